@@ -1,0 +1,6 @@
+#include <cstdio>
+
+int main() {
+    std::puts("tunebrook-service: not built yet");
+    return 0;
+}

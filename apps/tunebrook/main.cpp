@@ -1,0 +1,6 @@
+#include <cstdio>
+
+int main() {
+    std::puts("tunebrook: not built yet");
+    return 0;
+}
