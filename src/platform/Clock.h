@@ -5,7 +5,7 @@ namespace tb {
 // Time as the app reads it. Both readings are injectable so that the 30-day, 7-day and
 // 120-hour rules and every stored date can be tested.
 class Clock {
-public:
+  public:
     virtual ~Clock() = default;
 
     // Wall time: seconds since 1970, with fractions.
@@ -17,14 +17,14 @@ public:
 
 // The system's clocks.
 class SystemClock final : public Clock {
-public:
+  public:
     double now() const override;
     double monotonic() const override;
 };
 
 // A clock that moves only when told. ManualQueue owns one and advances it with virtual time.
 class ManualClock final : public Clock {
-public:
+  public:
     explicit ManualClock(double startWallTime = 1'700'000'000.0) : wall_(startWallTime) {}
 
     double now() const override { return wall_; }
@@ -39,7 +39,7 @@ public:
     // Sets the wall time alone, as a user changing the device clock would.
     void setNow(double wallTime) { wall_ = wallTime; }
 
-private:
+  private:
     double wall_;
     double monotonic_ = 0.0;
 };

@@ -9,7 +9,7 @@ namespace tb {
 // The crash reporters the app starts and records non-fatal errors with. On Linux they are
 // one JSON-lines file; tests use a recorder.
 class ErrorReporter {
-public:
+  public:
     virtual ~ErrorReporter() = default;
 
     // Records an error with its domain, code, user info and additional information.

@@ -10,12 +10,13 @@ namespace tb {
 // with the library's name and its settings; on Linux it is recorded, so the start order can
 // be checked. Libraries with behaviour of their own (analytics, ads, cast) get their own ports.
 class ExternalSdks {
-public:
+  public:
     virtual ~ExternalSdks() = default;
 
     // `library` names the library and call, such as "ComScore.start" or "FIRApp.configure";
     // settings never carry secrets in clear: callers pass key roles, not key values.
-    virtual void start(const std::string& library, const std::map<std::string, std::string>& settings) = 0;
+    virtual void start(const std::string& library,
+                       const std::map<std::string, std::string>& settings) = 0;
 };
 
 }  // namespace tb

@@ -34,7 +34,8 @@ struct HttpRequest {
     // Both run on the network thread: they must be thread-safe and must not touch
     // application state. Application work belongs in the completion.
     std::function<void(std::string_view chunk)> onData;
-    std::function<void(std::int64_t received, std::int64_t expected)> onProgress;  // expected -1 if unknown
+    std::function<void(std::int64_t received, std::int64_t expected)>
+        onProgress;  // expected -1 if unknown
 };
 
 struct HttpResponse {
@@ -43,7 +44,9 @@ struct HttpResponse {
     std::string body;
     std::string url;  // the final address, after redirects
 
-    std::optional<std::string> header(std::string_view name) const { return findHeader(headers, name); }
+    std::optional<std::string> header(std::string_view name) const {
+        return findHeader(headers, name);
+    }
 };
 
 // What a request ended with. An HTTP status of any value is a response, not an error;
@@ -58,7 +61,7 @@ struct HttpResult {
 };
 
 class HttpTask {
-public:
+  public:
     virtual ~HttpTask() = default;
     // Stops the transfer; the completion then runs with the -999 error.
     virtual void cancel() = 0;
@@ -67,7 +70,7 @@ public:
 // The HTTP port. The Linux implementation runs libcurl's multi interface on a network
 // thread; completions always arrive on the main queue, exactly once per request.
 class HttpTransport {
-public:
+  public:
     using Completion = std::function<void(HttpResult result)>;
 
     virtual ~HttpTransport() = default;

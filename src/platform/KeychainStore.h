@@ -10,7 +10,7 @@ namespace tb {
 // "com.tunebrook.iphone.valet"). Entries outlive reinstalls of the app. Typed values and the
 // migration from the older store are built on top of it (TBKeychainManager).
 class KeychainStore {
-public:
+  public:
     virtual ~KeychainStore() = default;
 
     // The stored bytes, or nothing when the key is absent or the store can't be read.

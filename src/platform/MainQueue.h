@@ -10,7 +10,7 @@ namespace tb {
 // Two implementations: RunLoop (the real loop of the process) and ManualQueue (virtual
 // time, for tests).
 class MainQueue {
-public:
+  public:
     using Task = std::function<void()>;
 
     virtual ~MainQueue() = default;

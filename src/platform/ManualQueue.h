@@ -15,7 +15,7 @@ namespace tb {
 // that falls due on the way, each at its own moment. Time is kept in whole nanoseconds so
 // that a 0.1 s timer fires exactly 300 times in 30 s.
 class ManualQueue final : public MainQueue {
-public:
+  public:
     explicit ManualQueue(double startWallTime = 1'700'000'000.0);
 
     void post(Task task) override;
@@ -35,7 +35,7 @@ public:
     // The clock that follows virtual time (wall and monotonic move together).
     ManualClock& clock() { return clock_; }
 
-private:
+  private:
     struct Entry {
         std::int64_t dueNanos;
         std::uint64_t sequence;

@@ -21,7 +21,7 @@ struct Notification {
 // on the main queue is delivered before post() returns, in the order observers were added;
 // a post from another thread is handed to the main queue first.
 class NotificationCenter {
-public:
+  public:
     using ObserverId = std::uint64_t;
     using Block = std::function<void(const Notification&)>;
 
@@ -35,7 +35,7 @@ public:
 
     void post(const std::string& name, const void* object = nullptr, UserInfo userInfo = {});
 
-private:
+  private:
     struct Observer {
         std::string name;
         const void* object;

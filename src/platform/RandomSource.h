@@ -7,7 +7,7 @@ namespace tb {
 // Random numbers the app draws (the crash reporter pick, nonces, the featured spot, shuffle).
 // Injectable so that tests pin them.
 class RandomSource {
-public:
+  public:
     virtual ~RandomSource() = default;
 
     // Uniform in [0, upperBound), as arc4random_uniform; 0 when upperBound < 2.
@@ -19,7 +19,7 @@ public:
 
 // The system's generators (getrandom on Linux).
 class SystemRandomSource final : public RandomSource {
-public:
+  public:
     std::uint32_t uniform(std::uint32_t upperBound) override;
     std::uint64_t secureUniform(std::uint64_t upperBound) override;
 };

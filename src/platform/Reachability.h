@@ -6,7 +6,7 @@ namespace tb {
 
 // Whether the service's host can be reached, and by which kind of link.
 class Reachability {
-public:
+  public:
     virtual ~Reachability() = default;
 
     virtual bool isReachable() const = 0;

@@ -15,7 +15,7 @@ namespace tb {
 // The real main queue: the thread that constructs it is the main thread, and run() executes
 // posted tasks in order of their due time (posting order among equal times) until quit().
 class RunLoop final : public MainQueue {
-public:
+  public:
     RunLoop();
     ~RunLoop() override;
 
@@ -34,7 +34,7 @@ public:
     // Makes run() return after the task under way. Safe from any thread.
     void quit();
 
-private:
+  private:
     struct Entry {
         double due;
         std::uint64_t sequence;

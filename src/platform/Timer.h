@@ -11,10 +11,12 @@ namespace tb {
 // destroyed, also from inside its own action. A repeating timer keeps its phase: it fires at
 // start + k * interval, and fires it could not make in time are skipped, not bunched up.
 class Timer {
-public:
+  public:
     using Action = std::function<void()>;
 
-    static std::unique_ptr<Timer> scheduled(MainQueue& queue, double intervalSeconds, bool repeats,
+    static std::unique_ptr<Timer> scheduled(MainQueue& queue,
+                                            double intervalSeconds,
+                                            bool repeats,
                                             Action action);
 
     ~Timer();
@@ -26,7 +28,7 @@ public:
     double interval() const { return interval_; }
     bool repeats() const { return repeats_; }
 
-private:
+  private:
     struct State;
     Timer(MainQueue& queue, double intervalSeconds, bool repeats, Action action);
     static void arm(const std::shared_ptr<State>& state, double dueAt);

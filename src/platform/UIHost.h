@@ -23,7 +23,7 @@ struct Alert {
 // What the presentation shell offers the app's logic: toasts, alerts, the progress HUD.
 // The terminal shell is the Linux host; tests use a recorder. Texts arrive localised.
 class UIHost {
-public:
+  public:
     enum class ToastImage { None, Success, Failure };  // "toast_success", "toast_failure"
 
     virtual ~UIHost() = default;

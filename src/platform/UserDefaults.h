@@ -24,15 +24,15 @@ struct DefaultsValue {
     std::variant<std::string, bool, std::int64_t, double, DefaultsData, Array, Dictionary> value;
 
     DefaultsValue() : value(std::string()) {}
-    DefaultsValue(std::string v) : value(std::move(v)) {}           // NOLINT: implicit on purpose
-    DefaultsValue(const char* v) : value(std::string(v)) {}         // NOLINT
-    DefaultsValue(bool v) : value(v) {}                             // NOLINT
-    DefaultsValue(int v) : value(static_cast<std::int64_t>(v)) {}   // NOLINT
-    DefaultsValue(std::int64_t v) : value(v) {}                     // NOLINT
-    DefaultsValue(double v) : value(v) {}                           // NOLINT
-    DefaultsValue(DefaultsData v) : value(std::move(v)) {}          // NOLINT
-    DefaultsValue(Array v) : value(std::move(v)) {}                 // NOLINT
-    DefaultsValue(Dictionary v) : value(std::move(v)) {}            // NOLINT
+    DefaultsValue(std::string v) : value(std::move(v)) {}          // NOLINT: implicit on purpose
+    DefaultsValue(const char* v) : value(std::string(v)) {}        // NOLINT
+    DefaultsValue(bool v) : value(v) {}                            // NOLINT
+    DefaultsValue(int v) : value(static_cast<std::int64_t>(v)) {}  // NOLINT
+    DefaultsValue(std::int64_t v) : value(v) {}                    // NOLINT
+    DefaultsValue(double v) : value(v) {}                          // NOLINT
+    DefaultsValue(DefaultsData v) : value(std::move(v)) {}         // NOLINT
+    DefaultsValue(Array v) : value(std::move(v)) {}                // NOLINT
+    DefaultsValue(Dictionary v) : value(std::move(v)) {}           // NOLINT
 
     bool operator==(const DefaultsValue&) const = default;
 };
@@ -40,7 +40,7 @@ struct DefaultsValue {
 // One suite of user defaults. Writes change the in-memory values at once; synchronize()
 // makes them durable. The typed readers convert the way the platform's defaults do.
 class UserDefaults {
-public:
+  public:
     virtual ~UserDefaults() = default;
 
     virtual std::optional<DefaultsValue> objectForKey(const std::string& key) const = 0;
@@ -67,13 +67,15 @@ public:
     void setBool(const std::string& key, bool value) { setObject(key, value); }
     void setInteger(const std::string& key, std::int64_t value) { setObject(key, value); }
     void setDouble(const std::string& key, double value) { setObject(key, value); }
-    void setArray(const std::string& key, DefaultsValue::Array value) { setObject(key, std::move(value)); }
+    void setArray(const std::string& key, DefaultsValue::Array value) {
+        setObject(key, std::move(value));
+    }
     void setData(const std::string& key, DefaultsData value) { setObject(key, std::move(value)); }
 };
 
 // The suites of this app: the standard one and named ones (the message extension's suite).
 class UserDefaultsProvider {
-public:
+  public:
     virtual ~UserDefaultsProvider() = default;
     virtual UserDefaults& standard() = 0;
     // A named suite, created empty on first use. Names are identifiers such as
