@@ -1,0 +1,138 @@
+#include "platform/linux/AtomicFile.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tb {
+
+namespace {
+
+std::string folderOf(const std::string& path) {
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos) {
+        return ".";
+    }
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+bool fail(std::string* reason, const std::string& what) {
+    if (reason) {
+        *reason = what + ": " + std::strerror(errno);
+    }
+    return false;
+}
+
+bool writeAll(int fd, std::string_view contents) {
+    while (!contents.empty()) {
+        const ssize_t written = ::write(fd, contents.data(), contents.size());
+        if (written < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        contents.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+bool syncFolder(const std::string& folder) {
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    const bool synced = ::fsync(fd) == 0;
+    ::close(fd);
+    return synced;
+}
+
+}  // namespace
+
+bool writeFileAtomically(const std::string& path,
+                         std::string_view contents,
+                         mode_t mode,
+                         std::string* reason) {
+    const std::string folder = folderOf(path);
+    const std::string name = path.substr(path.rfind('/') + 1);
+    std::string temporary = folder + "/." + name + ".tmp-XXXXXX";
+    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (fd < 0) {
+        return fail(reason, "can't create a temporary file in " + folder);
+    }
+    bool written = ::fchmod(fd, mode) == 0 && writeAll(fd, contents) && ::fsync(fd) == 0;
+    int writeErrno = errno;
+    if (::close(fd) != 0 && written) {
+        written = false;
+        writeErrno = errno;
+    }
+    if (!written) {
+        ::unlink(temporary.c_str());
+        errno = writeErrno;
+        return fail(reason, "can't write " + temporary);
+    }
+    if (::rename(temporary.c_str(), path.c_str()) != 0) {
+        const int renameErrno = errno;
+        ::unlink(temporary.c_str());
+        errno = renameErrno;
+        return fail(reason, "can't rename " + temporary + " to " + path);
+    }
+    // The new file is in place, but until the folder is flushed the rename itself may not
+    // survive a power loss: that is no durable write, so it is reported as a failure.
+    if (!syncFolder(folder)) {
+        return fail(reason, "can't flush the folder " + folder);
+    }
+    return true;
+}
+
+FileRead readWholeFile(const std::string& path, std::string& contents, std::string* reason) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        if (errno == ENOENT) {
+            return FileRead::Missing;
+        }
+        fail(reason, "can't open " + path);
+        return FileRead::Failed;
+    }
+    contents.clear();
+    char buffer[65536];
+    for (;;) {
+        const ssize_t got = ::read(fd, buffer, sizeof buffer);
+        if (got == 0) {
+            break;
+        }
+        if (got < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            fail(reason, "can't read " + path);
+            ::close(fd);
+            return FileRead::Failed;
+        }
+        contents.append(buffer, static_cast<std::size_t>(got));
+    }
+    ::close(fd);
+    return FileRead::Read;
+}
+
+std::string setFileAside(const std::string& path, double wallTime) {
+    char stamp[32];
+    std::snprintf(stamp, sizeof stamp, "%lld", static_cast<long long>(std::floor(wallTime)));
+    std::string aside = path + ".corrupt-" + stamp;
+    // Two broken files within one second keep both.
+    for (int n = 1; ::access(aside.c_str(), F_OK) == 0; ++n) {
+        aside = path + ".corrupt-" + stamp + "-" + std::to_string(n);
+    }
+    if (::rename(path.c_str(), aside.c_str()) != 0) {
+        return {};
+    }
+    return aside;
+}
+
+}  // namespace tb

@@ -1,0 +1,158 @@
+#include "platform/linux/FileUserDefaults.h"
+
+#include <nlohmann/json.hpp>
+
+#include "platform/Clock.h"
+#include "platform/ErrorReporter.h"
+#include "platform/JsonLimits.h"
+#include "platform/Log.h"
+#include "platform/MainQueue.h"
+#include "platform/linux/AtomicFile.h"
+#include "platform/linux/DefaultsJson.h"
+
+namespace tb {
+
+namespace {
+
+// How long after a change the suite writes itself.
+constexpr double kWriteDelaySeconds = 1.0;
+
+// Codes of the file errors the platform reports (unreadable, not in the expected format).
+constexpr std::int64_t kUnreadable = 256;
+constexpr std::int64_t kCorrupt = 259;
+
+}  // namespace
+
+FileUserDefaults::FileUserDefaults(std::string path,
+                                   MainQueue& queue,
+                                   const Clock& clock,
+                                   ErrorReporter& errors)
+    : path_(std::move(path)),
+      queue_(queue),
+      clock_(clock),
+      errors_(errors),
+      handle_(std::make_shared<FileUserDefaults*>(this)) {
+    load();
+}
+
+FileUserDefaults::~FileUserDefaults() {
+    if (dirty_) {
+        write();
+    }
+}
+
+std::optional<DefaultsValue> FileUserDefaults::objectForKey(const std::string& key) const {
+    const auto found = values_.find(key);
+    if (found == values_.end()) {
+        return std::nullopt;
+    }
+    return found->second;
+}
+
+void FileUserDefaults::setObject(const std::string& key, DefaultsValue value) {
+    values_[key] = std::move(value);
+    changed();
+}
+
+void FileUserDefaults::removeObjectForKey(const std::string& key) {
+    if (values_.erase(key) > 0) {
+        changed();
+    }
+}
+
+std::vector<std::string> FileUserDefaults::allKeys() const {
+    std::vector<std::string> keys;
+    keys.reserve(values_.size());
+    for (const auto& entry : values_) {
+        keys.push_back(entry.first);
+    }
+    return keys;
+}
+
+bool FileUserDefaults::synchronize() {
+    return !dirty_ || write();
+}
+
+void FileUserDefaults::load() {
+    std::string text;
+    std::string reason;
+    switch (readWholeFile(path_, text, &reason)) {
+        case FileRead::Missing:
+            return;
+        case FileRead::Failed:
+            setAside(kUnreadable, reason);
+            return;
+        case FileRead::Read:
+            break;
+    }
+    if (!jsonNestingWithin(text)) {
+        setAside(kCorrupt, "nested too deeply");
+        return;
+    }
+    const auto document = nlohmann::json::parse(text, nullptr, false);
+    if (!document.is_object()) {
+        setAside(kCorrupt, document.is_discarded() ? "not JSON" : "not a JSON object");
+        return;
+    }
+    std::map<std::string, DefaultsValue> loaded;
+    for (const auto& [key, item] : document.items()) {
+        auto value = defaultsValueFromJson(item);
+        if (!value) {
+            setAside(kCorrupt, "unreadable value under \"" + key + "\"");
+            return;
+        }
+        loaded.emplace(key, std::move(*value));
+    }
+    values_ = std::move(loaded);
+}
+
+// The broken file is kept beside the new one for a developer to look at; the suite goes on
+// empty rather than stopping the app.
+void FileUserDefaults::setAside(std::int64_t code, const std::string& reason) {
+    const std::string aside = setFileAside(path_, clock_.now());
+    ErrorInfo info{{"path", path_}, {"reason", reason}};
+    if (!aside.empty()) {
+        info["movedTo"] = aside;
+    }
+    errors_.recordError(Error{"UserDefaults", code, "user defaults file could not be read", info});
+    logLine("[UserDefaults] set aside " + path_ + " (" + reason + ")");
+}
+
+void FileUserDefaults::changed() {
+    dirty_ = true;
+    if (writeScheduled_) {
+        return;
+    }
+    writeScheduled_ = true;
+    queue_.postAfter(kWriteDelaySeconds, [weak = std::weak_ptr(handle_)] {
+        const auto handle = weak.lock();
+        if (!handle) {
+            return;
+        }
+        FileUserDefaults& self = **handle;
+        self.writeScheduled_ = false;
+        if (self.dirty_) {
+            self.write();
+        }
+    });
+}
+
+bool FileUserDefaults::write() {
+    nlohmann::json document = nlohmann::json::object();
+    for (const auto& [key, value] : values_) {
+        document[key] = defaultsValueToJson(value);
+    }
+    // Keys are the app's own names; should one not be UTF-8 it is written with
+    // replacement characters rather than failing the whole suite.
+    const std::string text =
+        document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    std::string reason;
+    if (!writeFileAtomically(path_, text, 0600, &reason)) {
+        logLine("[UserDefaults] can't write " + path_ + ": " + reason);
+        return false;
+    }
+    dirty_ = false;
+    return true;
+}
+
+}  // namespace tb

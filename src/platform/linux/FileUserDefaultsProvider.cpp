@@ -1,0 +1,42 @@
+#include "platform/linux/FileUserDefaultsProvider.h"
+
+#include "platform/linux/SafeFileName.h"
+
+namespace tb {
+
+namespace {
+
+constexpr const char* kStandardStem = "standard";
+
+}  // namespace
+
+FileUserDefaultsProvider::FileUserDefaultsProvider(std::string folder,
+                                                   MainQueue& queue,
+                                                   const Clock& clock,
+                                                   ErrorReporter& errors)
+    : folder_(std::move(folder)), queue_(queue), clock_(clock), errors_(errors) {}
+
+FileUserDefaultsProvider::~FileUserDefaultsProvider() = default;
+
+FileUserDefaults& FileUserDefaultsProvider::standard() {
+    return open(standard_, folder_ + "/" + kStandardStem + ".json");
+}
+
+FileUserDefaults& FileUserDefaultsProvider::suite(const std::string& name) {
+    return open(suites_[name], pathForSuite(name));
+}
+
+std::string FileUserDefaultsProvider::pathForSuite(const std::string& name) const {
+    // A suite called "standard" must not share the standard suite's file.
+    return folder_ + "/" + safeFileStem(name, {kStandardStem}) + ".json";
+}
+
+FileUserDefaults& FileUserDefaultsProvider::open(std::unique_ptr<FileUserDefaults>& slot,
+                                                 const std::string& path) {
+    if (!slot) {
+        slot = std::make_unique<FileUserDefaults>(path, queue_, clock_, errors_);
+    }
+    return *slot;
+}
+
+}  // namespace tb
