@@ -1,5 +1,10 @@
 #include "support/TestPlatform.h"
 
+#include <filesystem>
+
+#include "core/TunebrookKeys.h"
+#include "support/TestKeys.h"
+
 namespace tb::test {
 
 TestPlatform::TestPlatform() : TestPlatform(AppOptions{}) {}
@@ -9,6 +14,12 @@ TestPlatform::TestPlatform(AppOptions options) {
         options.paths = Paths::underHome(home.path());
     }
     options.paths.createAll();
+    // Unless the test names its own keys file, the context reads a complete one, as the
+    // app's always does.
+    if (const auto keys = TunebrookKeys::pathFor(options);
+        options.keysFile.empty() && !std::filesystem::exists(keys)) {
+        writeTestKeys(keys);
+    }
     AppPorts ports;
     ports.mainQueue = &queue;
     ports.clock = &queue.clock();

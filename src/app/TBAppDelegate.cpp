@@ -1,0 +1,299 @@
+#include "app/TBAppDelegate.h"
+
+#include "accounts/TBKeychainManager.h"
+#include "ads/InterstitialsManager.h"
+#include "app/AppContext.h"
+#include "core/LocationManager.h"
+#include "core/TBConstants.h"
+#include "core/TBPermisionsManager.h"
+#include "core/TBPreferencesRepository.h"
+#include "core/TunebrookKeys.h"
+#include "core/URLComponents.h"
+#include "platform/ErrorReporter.h"
+#include "platform/ExternalSdks.h"
+#include "platform/Fatal.h"
+#include "platform/NotificationCenter.h"
+#include "platform/RandomSource.h"
+
+namespace tb {
+
+namespace {
+
+constexpr const char* kAppScheme = "tunebrook";
+constexpr const char* kKeyQueryPrefix = "key=";
+
+// The kind of build, as the crash reporter's release stage names it: 0 Debug, 1 AdHoc,
+// 2 TestFlight, 3 Production. Linux builds are either debug builds or release builds.
+int buildType() {
+#ifdef NDEBUG
+    return 3;
+#else
+    return 0;
+#endif
+}
+
+std::optional<std::string> releaseStage(int type) {
+    static constexpr const char* kStages[] = {"Debug", "AdHoc", "TestFlight", "Production"};
+    if (type < 0 || type > 3) {
+        return std::nullopt;
+    }
+    return kStages[type];
+}
+
+std::string removeAll(std::string text, const std::string& part) {
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at)) {
+        text.erase(at, part.size());
+    }
+    return text;
+}
+
+}  // namespace
+
+TBAppDelegate::TBAppDelegate(AppContext& context) : context_(context) {
+    buildLaunchSequence();
+}
+
+TBAppDelegate::~TBAppDelegate() = default;
+
+TBAppDelegate& TBAppDelegate::shared() {
+    return AppContext::current().singleton<TBAppDelegate>();
+}
+
+TBKeychainManager& TBAppDelegate::keychainManager() {
+    if (!keychainManager_) {
+        keychainManager_ = std::make_unique<TBKeychainManager>(context_);
+    }
+    return *keychainManager_;
+}
+
+// The order matters: the crash reporters start before anything that could crash, the
+// install marker is written before the libraries that read it, and the environment is
+// chosen before the store and the network start. Steps that join later take their place
+// by name: the store, the token restore and reachability after "environment"; the pending
+// link after "push"; Branch and Facebook after "location"; cast, cache housekeeping, sync
+// and featured music after "OneSignal"; ad providers after "Zendesk"; Mixpanel after
+// "messaging and Google sign-in"; the notification centre's delegate after "AppsFlyer".
+void TBAppDelegate::buildLaunchSequence() {
+    const std::vector<std::pair<const char*, std::string (TBAppDelegate::*)()>> steps = {
+        {"keys", &TBAppDelegate::createKeyStoreAndKeychain},
+        {"crash reporter pick", &TBAppDelegate::pickCrashReporter},
+        {"Embrace", &TBAppDelegate::startEmbrace},
+        {"Crashlytics and Answers", &TBAppDelegate::startFabric},
+        {"Bugsnag", &TBAppDelegate::startBugsnag},
+        {"fresh install", &TBAppDelegate::markInstall},
+        {"ComScore", &TBAppDelegate::startComScore},
+        {"Twitter", &TBAppDelegate::startTwitter},
+        {"Firebase", &TBAppDelegate::configureFirebase},
+        {"environment", &TBAppDelegate::chooseEnvironment},
+        {"push", &TBAppDelegate::enablePushIfGranted},
+        {"location", &TBAppDelegate::updateLocationIfEnabled},
+        {"OneSignal", &TBAppDelegate::startOneSignal},
+        {"Zendesk", &TBAppDelegate::startZendesk},
+        {"messaging and Google sign-in", &TBAppDelegate::startMessagingAndGoogleSignIn},
+        {"AppsFlyer", &TBAppDelegate::startAppsFlyer},
+    };
+    for (const auto& [name, member] : steps) {
+        sequence_.append({name, [this, member = member] { return (this->*member)(); }});
+    }
+}
+
+std::optional<Error> TBAppDelegate::didFinishLaunchingWithOptions(
+    const UserInfo& /*launchOptions*/) {
+    const auto& keys = context_.singleton<TunebrookKeys>();
+    if (keys.error()) {
+        return keys.error();
+    }
+    records_ = sequence_.run();
+    return std::nullopt;
+}
+
+std::string TBAppDelegate::createKeyStoreAndKeychain() {
+    const auto& keys = context_.singleton<TunebrookKeys>();
+    keychainManager();
+    return std::to_string(TunebrookKeys::roles().size()) + " roles from " + keys.path();
+}
+
+// Half the devices report through each of the two crash reporters. The pick lives in the
+// keychain, which outlives a reinstall, so a device keeps its reporter for good.
+std::string TBAppDelegate::pickCrashReporter() {
+    const auto& names = TBConstants::TBKeychainKeys();
+    auto& keychain = keychainManager();
+    const bool alreadyPicked = keychain.boolForKey(names.crashReportingSDKPicked);
+    if (!alreadyPicked) {
+        const auto draw = context_.random().uniform(100);
+        keychain.setWithBool(draw >= 50, names.embraceEnabled);
+        keychain.setWithBool(draw < 50, names.bugsnagEnabled);
+        keychain.setWithBool(true, names.crashReportingSDKPicked);
+    }
+    std::string picked = keychain.boolForKey(names.embraceEnabled)   ? "Embrace"
+                         : keychain.boolForKey(names.bugsnagEnabled) ? "Bugsnag"
+                                                                     : "none";
+    return alreadyPicked ? picked + " (kept)" : picked;
+}
+
+std::string TBAppDelegate::startEmbrace() {
+    if (!keychainManager().boolForKey(TBConstants::TBKeychainKeys().embraceEnabled)) {
+        return "skipped";
+    }
+    context_.errorReporter().startReporter("Embrace",
+                                           context_.singleton<TunebrookKeys>().embraceKey());
+    return "started";
+}
+
+std::string TBAppDelegate::startFabric() {
+    context_.errorReporter().startReporter("Crashlytics", "");
+    context_.errorReporter().startReporter("Answers", "");
+    return "started";
+}
+
+std::string TBAppDelegate::startBugsnag() {
+    if (!keychainManager().boolForKey(TBConstants::TBKeychainKeys().bugsnagEnabled)) {
+        return "skipped";
+    }
+    auto& reporter = context_.errorReporter();
+    reporter.startReporter("Bugsnag", context_.singleton<TunebrookKeys>().bugsnagKey());
+    const auto stage = releaseStage(buildType());
+    if (!stage) {
+        return "started";
+    }
+    reporter.setReleaseStage(*stage);
+    return "started, stage " + *stage;
+}
+
+// The interstitial time stamp doubles as the install marker: writing it now makes the very
+// next start not fresh, even when this one is killed before it ends.
+std::string TBAppDelegate::markInstall() {
+    auto& interstitials = context_.singleton<InterstitialsManager>();
+    freshInstall_ = interstitials.isFreshInstall();
+    if (freshInstall_) {
+        interstitials.setInterstitialAdNotShown();
+    }
+    return freshInstall_ ? "yes" : "no";
+}
+
+// The outside libraries are started with the roles of their keys, never the values.
+std::string TBAppDelegate::startComScore() {
+    context_.externalSdks().start("SCORAnalytics.start", {{"publisherId", "comscoreId"},
+                                                          {"publisherSecret", "comscoreSecret"}});
+    return "started";
+}
+
+std::string TBAppDelegate::startTwitter() {
+    context_.externalSdks().start(
+        "TWTRTwitter.start",
+        {{"consumerKey", "twitterConsumerKey"}, {"consumerSecret", "twitterConsumerSecret"}});
+    return "started";
+}
+
+std::string TBAppDelegate::configureFirebase() {
+    context_.externalSdks().start("FIRApp.configure", {});
+    return "configured";
+}
+
+std::string TBAppDelegate::chooseEnvironment() {
+    liveEnvironment_ = TBPreferencesRepository(context_).liveEnvironment();
+    // The catalogue client takes the choice here: TBDataManager::useProd() for live,
+    // TBDataManager::useDev() for the test host.
+    return liveEnvironment_ ? "live" : "dev";
+}
+
+std::string TBAppDelegate::enablePushIfGranted() {
+    auto& permissions = context_.singleton<TBPermisionsManager>();
+    if (!permissions.pushGranted()) {
+        return "not granted";
+    }
+    permissions.enablePush();
+    return "enabled";
+}
+
+std::string TBAppDelegate::updateLocationIfEnabled() {
+    auto& location = context_.singleton<LocationManager>();
+    if (!location.isEnabled()) {
+        return "disabled";
+    }
+    location.updateLocation();
+    return "updating";
+}
+
+std::string TBAppDelegate::startOneSignal() {
+    context_.externalSdks().start("OneSignal.init", {{"appId", "oneSignalLiveKey"},
+                                                     {"kOSSettingsKeyAutoPrompt", "false"},
+                                                     {"inFocusDisplayType", "2"},
+                                                     {"logLevel", "1"},
+                                                     {"visualLevel", "0"}});
+    return "started";
+}
+
+std::string TBAppDelegate::startZendesk() {
+    auto& sdks = context_.externalSdks();
+    sdks.start(
+        "ZDKZendesk.initialize",
+        {{"appId", "zendeskAppId"}, {"clientId", "zendeskClientId"}, {"zendeskUrl", "zendeskUrl"}});
+    sdks.start("ZDKCoreLogger.enable", {{"logLevel", "3"}});
+    sdks.start("ZDKTheme.primaryColor", {{"color", TBConstants::Colors().orange}});
+    sdks.start("ZDKSupport.initialize", {});
+    return "started";
+}
+
+std::string TBAppDelegate::startMessagingAndGoogleSignIn() {
+    auto& sdks = context_.externalSdks();
+    sdks.start("FIRMessaging.delegate", {});
+    sdks.start("GIDSignIn.clientID", {{"clientID", "googleClientId"}});
+    return "started";
+}
+
+std::string TBAppDelegate::startAppsFlyer() {
+    context_.externalSdks().start(
+        "AppsFlyerTracker.start",
+        {{"devKey", "appsFlyerKey"}, {"appleAppID", "appleAppIdWithoutId"}});
+    return "started";
+}
+
+// Posted at resign on purpose, not at the real entry into the background: the player and
+// the ads react while an incoming call or the notification shade covers the app.
+void TBAppDelegate::applicationWillResignActive() {
+    // The ad providers stop here (TBAdProvidersHelper::stopAds) once they exist.
+    context_.notificationCenter().post(TBConstants::TBGlobalNotifications().didEnterBackground);
+}
+
+void TBAppDelegate::applicationWillEnterForeground() {
+    // The catalogue client refreshes the featured music here (getFeaturedMusic).
+}
+
+// Posted at active on purpose, so that a fresh start posts it too.
+void TBAppDelegate::applicationDidBecomeActive() {
+    auto& sdks = context_.externalSdks();
+    sdks.start("FBSDKAppEvents.activateApp", {});
+    sdks.start("AppsFlyerTracker.trackAppLaunch", {});
+    if (firstDidBecomeActiveExecuted_) {
+        // The ad providers restart here (TBAdProvidersHelper::restartAds) once they exist.
+    }
+    firstDidBecomeActiveExecuted_ = true;
+    context_.notificationCenter().post(TBConstants::TBGlobalNotifications().willEnterForeground);
+}
+
+bool TBAppDelegate::applicationOpenURL(const std::string& url, const UserInfo& /*options*/) {
+    const auto notification = notificationForURL(url);
+    if (!notification) {
+        return false;
+    }
+    // The deep links take the notification here (TBDeeplinkManager setNotification, then
+    // handleCachedNotification).
+    return true;
+}
+
+std::optional<UserInfo> TBAppDelegate::notificationForURL(const std::string& url) {
+    const auto parts = URLComponents::parse(url);
+    if (!parts || parts->scheme != kAppScheme) {
+        return std::nullopt;
+    }
+    const std::string id =
+        parts->path.empty() || parts->path[0] != '/' ? parts->path : parts->path.substr(1);
+    UserInfo notification{{"type", parts->host}, {"id", id}};
+    if (!id.empty() && parts->query.rfind(kKeyQueryPrefix, 0) == 0) {
+        notification["params"] = UserInfo{{"key", removeAll(parts->query, kKeyQueryPrefix)}};
+    }
+    return notification;
+}
+
+}  // namespace tb

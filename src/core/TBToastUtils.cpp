@@ -1,0 +1,41 @@
+#include "core/TBToastUtils.h"
+
+#include "app/AppContext.h"
+#include "core/TBConstants.h"
+#include "core/TBLocalization.h"
+#include "platform/NotificationCenter.h"
+#include "platform/UIHost.h"
+
+namespace tb {
+
+TBToastUtils::TBToastUtils(AppContext& context)
+    : TBToastUtils(context.uiHost(), context.notificationCenter()) {}
+
+TBToastUtils::TBToastUtils(UIHost& ui, NotificationCenter& notifications)
+    : ui_(ui), notifications_(notifications) {
+    reachableObserver_ = notifications_.addObserver(
+        TBConstants::TBGlobalNotifications().networkBecameReachable, nullptr,
+        [this](const Notification&) { offlineToastShown_ = false; });
+}
+
+TBToastUtils::~TBToastUtils() {
+    notifications_.removeObserver(reachableObserver_);
+}
+
+TBToastUtils& TBToastUtils::shared() {
+    return AppContext::current().singleton<TBToastUtils>();
+}
+
+void TBToastUtils::showOfflineToast() {
+    if (offlineToastShown_) {
+        return;
+    }
+    offlineToastShown_ = true;
+    ui_.showToast(TBLocalization::localizedString("toast_offline"), UIHost::ToastImage::Failure);
+}
+
+void TBToastUtils::showToast(const std::string& text, bool success) {
+    ui_.showToast(text, success ? UIHost::ToastImage::Success : UIHost::ToastImage::Failure);
+}
+
+}  // namespace tb

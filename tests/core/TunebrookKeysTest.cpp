@@ -1,0 +1,142 @@
+#include <filesystem>
+#include <fstream>
+
+#include "core/TBConstants.h"
+#include "core/TunebrookKeys.h"
+#include "support/TempDir.h"
+#include "support/TestKeys.h"
+#include "support/TestPlatform.h"
+
+#include <gtest/gtest.h>
+
+namespace tb {
+namespace {
+
+class TunebrookKeysTest : public ::testing::Test {
+  protected:
+    std::string writeFile(const std::string& content) {
+        const auto path = dir.file("keys.json");
+        std::ofstream(path, std::ios::trunc) << content;
+        return path;
+    }
+
+    test::TempDir dir;
+};
+
+TEST_F(TunebrookKeysTest, ACompleteFileAnswersEveryRole) {
+    const TunebrookKeys keys(writeFile(test::testKeysJson()));
+
+    ASSERT_FALSE(keys.error());
+    for (const auto& role : TunebrookKeys::roles()) {
+        EXPECT_FALSE(keys.value(role).empty()) << role;
+    }
+    EXPECT_EQ(keys.tunebrookConsumerKey(), "test-tunebrookConsumerKey");
+    EXPECT_EQ(keys.fyberAppId(), "test-fyberAppId");
+    EXPECT_EQ(keys.wsUrlLive(), "https://api.tunebrook.test/v1/");
+}
+
+TEST_F(TunebrookKeysTest, AMissingFileIsAnErrorNamingIt) {
+    const auto path = dir.file("absent.json");
+    const TunebrookKeys keys(path);
+
+    ASSERT_TRUE(keys.error());
+    EXPECT_EQ(keys.error()->domain, TunebrookKeys::kErrorDomain);
+    EXPECT_EQ(keys.error()->code, TunebrookKeys::kFileUnreadable);
+    EXPECT_NE(keys.error()->message.find(path), std::string::npos);
+}
+
+TEST_F(TunebrookKeysTest, MalformedContentIsAnError) {
+    const std::vector<std::string> contents = {"", "{\"wsUrlLive\": ", "[\"tunebrookConsumerKey\"]",
+                                               "\"text\"",
+                                               std::string(5000, '[') + std::string(5000, ']')};
+    for (const auto& content : contents) {
+        const TunebrookKeys keys(writeFile(content));
+        ASSERT_TRUE(keys.error()) << content.substr(0, 30);
+        EXPECT_EQ(keys.error()->code, TunebrookKeys::kFileMalformed) << content.substr(0, 30);
+    }
+}
+
+TEST_F(TunebrookKeysTest, AMissingOrEmptyRoleIsAnErrorNamingTheRoleAndTheFile) {
+    const auto path = writeFile(test::testKeysJson("bugsnagKey"));
+    const TunebrookKeys missing(path);
+    ASSERT_TRUE(missing.error());
+    EXPECT_EQ(missing.error()->code, TunebrookKeys::kRoleMissing);
+    EXPECT_NE(missing.error()->message.find("\"bugsnagKey\""), std::string::npos);
+    EXPECT_NE(missing.error()->message.find(path), std::string::npos);
+    EXPECT_EQ(missing.error()->userInfo.at("roles"), "\"bugsnagKey\"");
+
+    auto json = test::testKeysJson();
+    json.replace(json.find("test-zendeskUrl"), 15, "");
+    const TunebrookKeys empty(writeFile(json));
+    ASSERT_TRUE(empty.error());
+    EXPECT_EQ(empty.error()->userInfo.at("roles"), "\"zendeskUrl\"");
+}
+
+TEST_F(TunebrookKeysTest, EveryMissingRoleIsNamed) {
+    const TunebrookKeys keys(writeFile(R"({"tunebrookConsumerKey": "k"})"));
+
+    ASSERT_TRUE(keys.error());
+    for (const auto& role : TunebrookKeys::roles()) {
+        const bool named = keys.error()->message.find("\"" + role + "\"") != std::string::npos;
+        EXPECT_EQ(named, role != "tunebrookConsumerKey") << role;
+    }
+}
+
+TEST_F(TunebrookKeysTest, ValuesThatAreNotTextOrServiceAddressesAreRefused) {
+    auto numeric = test::testKeysJson();
+    numeric.replace(numeric.find("\"test-comscoreId\""), 17, "42");
+    const TunebrookKeys number(writeFile(numeric));
+    ASSERT_TRUE(number.error());
+    EXPECT_EQ(number.error()->code, TunebrookKeys::kRoleInvalid);
+    EXPECT_EQ(number.error()->userInfo.at("roles"), "\"comscoreId\"");
+
+    auto badUrl = test::testKeysJson();
+    badUrl.replace(badUrl.find("http://127.0.0.1:8081/v1/"), 25, "127.0.0.1:8081/v1/");
+    const TunebrookKeys address(writeFile(badUrl));
+    ASSERT_TRUE(address.error());
+    EXPECT_EQ(address.error()->code, TunebrookKeys::kRoleInvalid);
+    EXPECT_EQ(address.error()->userInfo.at("roles"), "\"wsUrlDev\"");
+}
+
+TEST_F(TunebrookKeysTest, TheFileComesFromTheOptionsOrTheConfigFolder) {
+    AppOptions options;
+    options.paths = Paths::underHome(dir.path());
+    EXPECT_EQ(TunebrookKeys::pathFor(options), dir.path() + "/config/keys.json");
+    options.keysFile = "/elsewhere/k.json";
+    EXPECT_EQ(TunebrookKeys::pathFor(options), "/elsewhere/k.json");
+}
+
+TEST_F(TunebrookKeysTest, TheContextReadsTheFileOnceAndKeepsIt) {
+    test::TestPlatform platform;
+    const auto& keys = platform.context().singleton<TunebrookKeys>();
+    ASSERT_FALSE(keys.error());
+    std::filesystem::remove(keys.path());
+
+    EXPECT_EQ(&platform.context().singleton<TunebrookKeys>(), &keys);
+    EXPECT_EQ(keys.bugsnagKey(), "test-bugsnagKey");
+}
+
+TEST_F(TunebrookKeysTest, TheSitePagesLiveOnTheOriginOfTheLiveService) {
+    auto json = test::testKeysJson();
+    json.replace(json.find("https://api.tunebrook.test/v1/"), 30,
+                 "http://user@127.0.0.1:8080/api/v1?x=1");
+    const TunebrookKeys keys(writeFile(json));
+    ASSERT_FALSE(keys.error());
+
+    const TBLinks links(keys);
+    EXPECT_EQ(links.contactUs, "http://127.0.0.1:8080/contact-us");
+    EXPECT_EQ(links.privacyPolicy, "http://127.0.0.1:8080/privacy-policy");
+    EXPECT_EQ(links.termsOfService, "http://127.0.0.1:8080/about/terms-of-service");
+    EXPECT_EQ(links.dashboard, "http://127.0.0.1:8080/dashboard");
+    EXPECT_EQ(links.rating, links.appStore + "?action=write-review");
+    EXPECT_NE(links.appStore.find("test-appleAppIdWithoutId"), std::string::npos);
+}
+
+TEST_F(TunebrookKeysTest, TheLinksOfTheConstantsFollowTheCurrentContext) {
+    test::TestPlatform platform;
+    EXPECT_EQ(TBConstants::TBLinks().dashboard, "https://api.tunebrook.test/dashboard");
+    EXPECT_EQ(&TBConstants::TBLinks(), &TBConstants::TBLinks());
+}
+
+}  // namespace
+}  // namespace tb
