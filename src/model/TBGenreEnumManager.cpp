@@ -1,0 +1,9 @@
+#include "model/TBGenreEnumManager.h"
+
+namespace tb {
+
+std::string TBGenreEnumManager::getGenreNameWithGenre(TBGenre genre) {
+    return displayText(genre);
+}
+
+}  // namespace tb

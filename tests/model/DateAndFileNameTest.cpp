@@ -1,0 +1,91 @@
+#include <cmath>
+#include <set>
+#include <string>
+
+#include "model/DateText.h"
+#include "model/SafeFileName.h"
+
+#include <gtest/gtest.h>
+
+namespace tb {
+namespace {
+
+TEST(DateTextTest, LongDatesInUtc) {
+    EXPECT_EQ(DateText::longDate(0), "January 1, 1970");
+    EXPECT_EQ(DateText::longDate(86399.9), "January 1, 1970");
+    EXPECT_EQ(DateText::longDate(-0.001), "December 31, 1969");
+    EXPECT_EQ(DateText::longDate(1795305600), "November 22, 2026");
+    EXPECT_EQ(DateText::longDate(951782400), "February 29, 2000");
+    EXPECT_EQ(DateText::longDate(253402300799.0), "December 31, 9999");
+    EXPECT_EQ(DateText::longDate(-62135596800.0), "January 1, 1");
+}
+
+TEST(DateTextTest, DatesOutsideTheCalendarGiveNil) {
+    EXPECT_EQ(DateText::longDate(253402300800.0), std::nullopt);
+    EXPECT_EQ(DateText::longDate(-62135596801.0), std::nullopt);
+    EXPECT_EQ(DateText::longDate(1e300), std::nullopt);
+    EXPECT_EQ(DateText::longDate(-1e300), std::nullopt);
+    EXPECT_EQ(DateText::longDate(std::nan("")), std::nullopt);
+    EXPECT_EQ(DateText::longDate(INFINITY), std::nullopt);
+}
+
+TEST(DateTextTest, MicrosecondTimestampsReadExactly) {
+    const auto parsed = DateText::parseMicrosecondTimestamp("2026-11-22T08:30:15.250000");
+    ASSERT_TRUE(parsed.has_value());
+    EXPECT_DOUBLE_EQ(*parsed, 1795336215.25);
+    EXPECT_EQ(DateText::parseMicrosecondTimestamp("1970-01-01T00:00:00.000000"), 0.0);
+    EXPECT_EQ(DateText::parseMicrosecondTimestamp("2000-02-29T23:59:59.999999").has_value(), true);
+}
+
+TEST(DateTextTest, MicrosecondTimestampsRefuseOtherShapes) {
+    for (const char* text : {
+             "",
+             "2026-11-22T08:30:15",          // no fraction
+             "2026-11-22T08:30:15.25",       // too few digits
+             "2026-11-22T08:30:15.250000Z",  // a zone after
+             "2026-11-22 08:30:15.250000",   // no T
+             "2026-13-22T08:30:15.250000",   // month 13
+             "2026-02-29T08:30:15.250000",   // not a leap year
+             "2026-11-31T08:30:15.250000",   // November has 30 days
+             "2026-11-22T24:00:00.000000",   // hour 24
+             "2026-11-22T08:60:00.000000",   // minute 60
+             "0000-01-01T00:00:00.000000",   // year 0
+             "2026-1a-22T08:30:15.250000",   // letter
+             "-026-11-22T08:30:15.250000",   // sign
+         }) {
+        EXPECT_EQ(DateText::parseMicrosecondTimestamp(text), std::nullopt) << text;
+    }
+}
+
+TEST(SafeFileNameTest, KeepsPlainIdsAndEncodesEverythingElse) {
+    EXPECT_EQ(safeFileName("4815162"), "4815162");
+    EXPECT_EQ(safeFileName("song-1_v2.final"), "song-1_v2.final");
+    EXPECT_EQ(safeFileName("a/b"), "a%2Fb");
+    EXPECT_EQ(safeFileName("a b%"), "a%20b%25");
+    EXPECT_EQ(safeFileName("caf\xc3\xa9"), "caf%C3%A9");
+    EXPECT_EQ(safeFileName(std::string("a\0b", 3)), "a%00b");
+    EXPECT_EQ(safeFileName("\\"), "%5C");
+}
+
+TEST(SafeFileNameTest, NoNameIsEmptyDotDotDotOrHidden) {
+    EXPECT_EQ(safeFileName(""), "_");
+    EXPECT_EQ(safeFileName("."), "%2E");
+    EXPECT_EQ(safeFileName(".."), "%2E.");
+    EXPECT_EQ(safeFileName(".hidden"), "%2Ehidden");
+    EXPECT_EQ(safeFileName("../../etc/passwd"), "%2E.%2F..%2Fetc%2Fpasswd");
+    EXPECT_EQ(safeFileName("a.."), "a..");  // dots after the first byte are harmless
+}
+
+TEST(SafeFileNameTest, DifferentIdsGiveDifferentNames) {
+    const char* ids[] = {"a/b", "a%2Fb", "a_b", ".a", "%2Ea", "a b", "a+b", "A", "a"};
+    std::set<std::string> names;
+    for (const char* id : ids) {
+        const std::string name = safeFileName(id);
+        EXPECT_EQ(name.find('/'), std::string::npos);
+        names.insert(name);
+    }
+    EXPECT_EQ(names.size(), std::size(ids));
+}
+
+}  // namespace
+}  // namespace tb
