@@ -19,6 +19,10 @@ bool writeFileAtomically(const std::string& path,
                          mode_t mode,
                          std::string* reason = nullptr);
 
+// Writes all of `contents` to the open file, going on after short writes and interrupted
+// calls. False when the file refuses (disk full, I/O error), with errno set.
+bool writeAll(int fd, std::string_view contents);
+
 enum class FileRead { Read, Missing, Failed };
 
 // Reads the whole file. Missing when there is no such file; Failed (with a reason) when it
