@@ -30,7 +30,7 @@ class FileUserDefaultsTest : public ::testing::Test {
     FileUserDefaultsTest() { fs::create_directories(folder); }
 
     std::unique_ptr<FileUserDefaultsProvider> openProvider() {
-        return std::make_unique<FileUserDefaultsProvider>(folder, queue, queue.clock(), errors);
+        return std::make_unique<FileUserDefaultsProvider>(folder, queue, errors);
     }
 
     test::TempDir home;
@@ -232,7 +232,7 @@ TEST_F(FileUserDefaultsTest, SynchronizedValuesSurviveKillNine) {
     runChildKilled([this] {
         ManualQueue childQueue;
         test::RecordingErrorReporter childErrors;
-        FileUserDefaultsProvider provider(folder, childQueue, childQueue.clock(), childErrors);
+        FileUserDefaultsProvider provider(folder, childQueue, childErrors);
         provider.standard().setString("token", "secret-token");
         provider.standard().setDouble("interstitialAdTimestamp", 0.0);
         if (!provider.standard().synchronize()) {
@@ -262,7 +262,7 @@ TEST_F(FileUserDefaultsTest, AKillDuringAWriteLeavesTheOldFileOrTheNewOneNeverAM
             close(ready[0]);
             ManualQueue childQueue;
             test::RecordingErrorReporter childErrors;
-            FileUserDefaultsProvider provider(folder, childQueue, childQueue.clock(), childErrors);
+            FileUserDefaultsProvider provider(folder, childQueue, childErrors);
             for (std::int64_t generation = 1;; ++generation) {
                 for (int k = 0; k < kKeys; ++k) {
                     provider.standard().setInteger("key" + std::to_string(k), generation);

@@ -1,14 +1,18 @@
 #include "platform/linux/AtomicFile.h"
 
 #include <cerrno>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 #include <fcntl.h>
+#include <nlohmann/json.hpp>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "platform/ErrorReporter.h"
+#include "platform/JsonLimits.h"
+#include "platform/Log.h"
 
 namespace tb {
 
@@ -121,18 +125,51 @@ FileRead readWholeFile(const std::string& path, std::string& contents, std::stri
     return FileRead::Read;
 }
 
-std::string setFileAside(const std::string& path, double wallTime) {
-    char stamp[32];
-    std::snprintf(stamp, sizeof stamp, "%lld", static_cast<long long>(std::floor(wallTime)));
+void setBrokenFileAside(const std::string& path,
+                        ErrorReporter& errors,
+                        const std::string& domain,
+                        std::int64_t code,
+                        const std::string& reason) {
+    const std::string stamp = std::to_string(static_cast<long long>(std::time(nullptr)));
     std::string aside = path + ".corrupt-" + stamp;
     // Two broken files within one second keep both.
     for (int n = 1; ::access(aside.c_str(), F_OK) == 0; ++n) {
         aside = path + ".corrupt-" + stamp + "-" + std::to_string(n);
     }
-    if (::rename(path.c_str(), aside.c_str()) != 0) {
-        return {};
+    ErrorInfo info{{"path", path}, {"reason", reason}};
+    if (::rename(path.c_str(), aside.c_str()) == 0) {
+        info["movedTo"] = aside;
     }
-    return aside;
+    errors.recordError(
+        Error{domain, code, "a state file could not be read and was set aside", info});
+    logLine("[" + domain + "] set aside " + path + " (" + reason + ")");
+}
+
+std::optional<nlohmann::json> readJsonObjectFile(const std::string& path,
+                                                 ErrorReporter& errors,
+                                                 const std::string& domain) {
+    std::string text;
+    std::string reason;
+    switch (readWholeFile(path, text, &reason)) {
+        case FileRead::Missing:
+            return std::nullopt;
+        case FileRead::Failed:
+            setBrokenFileAside(path, errors, domain, kFileUnreadable, reason);
+            return std::nullopt;
+        case FileRead::Read:
+            break;
+    }
+    if (!jsonNestingWithin(text)) {
+        setBrokenFileAside(path, errors, domain, kFileCorrupt, "nested too deeply");
+        return std::nullopt;
+    }
+    auto document = nlohmann::json::parse(text, nullptr, false);
+    if (!document.is_object()) {
+        setBrokenFileAside(path, errors, domain, kFileCorrupt,
+                           document.is_discarded() ? "not JSON" : "not a JSON object");
+        return std::nullopt;
+    }
+    return document;
 }
 
 }  // namespace tb

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include <nlohmann/json_fwd.hpp>
 #include <sys/types.h>
 
 namespace tb {
+
+class ErrorReporter;
 
 // Small whole-file operations for the platform's own state files (user defaults, the file
 // keychain).
@@ -29,8 +34,24 @@ enum class FileRead { Read, Missing, Failed };
 // exists but can't be read.
 FileRead readWholeFile(const std::string& path, std::string& contents, std::string* reason);
 
-// Moves a broken file out of the way, to "<path>.corrupt-<seconds since 1970>", keeping it for
-// a developer to look at. Returns the new path, or empty when it couldn't be moved.
-std::string setFileAside(const std::string& path, double wallTime);
+// Codes of the file errors the platform reports, as the platform's own file errors.
+inline constexpr std::int64_t kFileUnreadable = 256;
+inline constexpr std::int64_t kFileCorrupt = 259;
+
+// Moves a broken state file out of the way, to "<path>.corrupt-<seconds since 1970>", keeping
+// it for a developer to look at, and reports it in `domain` with the path ("path", "movedTo",
+// "reason" in the user info). The owner then starts empty rather than stopping the app.
+void setBrokenFileAside(const std::string& path,
+                        ErrorReporter& errors,
+                        const std::string& domain,
+                        std::int64_t code,
+                        const std::string& reason);
+
+// Reads a state file that holds one JSON object. Nothing when there is no file yet. A file
+// that can't be read, isn't JSON (or nests too deeply) or isn't an object is set aside and
+// reported in `domain`, and gives nothing too.
+std::optional<nlohmann::json> readJsonObjectFile(const std::string& path,
+                                                 ErrorReporter& errors,
+                                                 const std::string& domain);
 
 }  // namespace tb

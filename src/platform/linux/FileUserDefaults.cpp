@@ -2,13 +2,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include "platform/Clock.h"
-#include "platform/ErrorReporter.h"
-#include "platform/JsonLimits.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
-#include "platform/linux/AtomicFile.h"
 #include "platform/linux/DefaultsJson.h"
+#include "platform/linux/AtomicFile.h"
 
 namespace tb {
 
@@ -17,19 +14,11 @@ namespace {
 // How long after a change the suite writes itself.
 constexpr double kWriteDelaySeconds = 1.0;
 
-// Codes of the file errors the platform reports (unreadable, not in the expected format).
-constexpr std::int64_t kUnreadable = 256;
-constexpr std::int64_t kCorrupt = 259;
-
 }  // namespace
 
-FileUserDefaults::FileUserDefaults(std::string path,
-                                   MainQueue& queue,
-                                   const Clock& clock,
-                                   ErrorReporter& errors)
+FileUserDefaults::FileUserDefaults(std::string path, MainQueue& queue, ErrorReporter& errors)
     : path_(std::move(path)),
       queue_(queue),
-      clock_(clock),
       errors_(errors),
       handle_(std::make_shared<FileUserDefaults*>(this)) {
     load();
@@ -74,48 +63,21 @@ bool FileUserDefaults::synchronize() {
 }
 
 void FileUserDefaults::load() {
-    std::string text;
-    std::string reason;
-    switch (readWholeFile(path_, text, &reason)) {
-        case FileRead::Missing:
-            return;
-        case FileRead::Failed:
-            setAside(kUnreadable, reason);
-            return;
-        case FileRead::Read:
-            break;
-    }
-    if (!jsonNestingWithin(text)) {
-        setAside(kCorrupt, "nested too deeply");
-        return;
-    }
-    const auto document = nlohmann::json::parse(text, nullptr, false);
-    if (!document.is_object()) {
-        setAside(kCorrupt, document.is_discarded() ? "not JSON" : "not a JSON object");
+    const auto document = readJsonObjectFile(path_, errors_, "UserDefaults");
+    if (!document) {
         return;
     }
     std::map<std::string, DefaultsValue> loaded;
-    for (const auto& [key, item] : document.items()) {
+    for (const auto& [key, item] : document->items()) {
         auto value = defaultsValueFromJson(item);
         if (!value) {
-            setAside(kCorrupt, "unreadable value under \"" + key + "\"");
+            setBrokenFileAside(path_, errors_, "UserDefaults", kFileCorrupt,
+                               "unreadable value under \"" + key + "\"");
             return;
         }
         loaded.emplace(key, std::move(*value));
     }
     values_ = std::move(loaded);
-}
-
-// The broken file is kept beside the new one for a developer to look at; the suite goes on
-// empty rather than stopping the app.
-void FileUserDefaults::setAside(std::int64_t code, const std::string& reason) {
-    const std::string aside = setFileAside(path_, clock_.now());
-    ErrorInfo info{{"path", path_}, {"reason", reason}};
-    if (!aside.empty()) {
-        info["movedTo"] = aside;
-    }
-    errors_.recordError(Error{"UserDefaults", code, "user defaults file could not be read", info});
-    logLine("[UserDefaults] set aside " + path_ + " (" + reason + ")");
 }
 
 void FileUserDefaults::changed() {

@@ -8,7 +8,6 @@
 
 namespace tb {
 
-class Clock;
 class ErrorReporter;
 class MainQueue;
 
@@ -22,7 +21,7 @@ class MainQueue;
 // to the error reporter, and the suite starts empty. Main queue only.
 class FileUserDefaults final : public UserDefaults {
   public:
-    FileUserDefaults(std::string path, MainQueue& queue, const Clock& clock, ErrorReporter& errors);
+    FileUserDefaults(std::string path, MainQueue& queue, ErrorReporter& errors);
     // Writes what is still unwritten.
     ~FileUserDefaults() override;
     FileUserDefaults(const FileUserDefaults&) = delete;
@@ -41,13 +40,11 @@ class FileUserDefaults final : public UserDefaults {
 
   private:
     void load();
-    void setAside(std::int64_t code, const std::string& reason);
     void changed();
     bool write();
 
     std::string path_;
     MainQueue& queue_;
-    const Clock& clock_;
     ErrorReporter& errors_;
     std::map<std::string, DefaultsValue> values_;
     bool dirty_ = false;

@@ -12,9 +12,8 @@ constexpr const char* kStandardStem = "standard";
 
 FileUserDefaultsProvider::FileUserDefaultsProvider(std::string folder,
                                                    MainQueue& queue,
-                                                   const Clock& clock,
                                                    ErrorReporter& errors)
-    : folder_(std::move(folder)), queue_(queue), clock_(clock), errors_(errors) {}
+    : folder_(std::move(folder)), queue_(queue), errors_(errors) {}
 
 FileUserDefaultsProvider::~FileUserDefaultsProvider() = default;
 
@@ -34,7 +33,7 @@ std::string FileUserDefaultsProvider::pathForSuite(const std::string& name) cons
 FileUserDefaults& FileUserDefaultsProvider::open(std::unique_ptr<FileUserDefaults>& slot,
                                                  const std::string& path) {
     if (!slot) {
-        slot = std::make_unique<FileUserDefaults>(path, queue_, clock_, errors_);
+        slot = std::make_unique<FileUserDefaults>(path, queue_, errors_);
     }
     return *slot;
 }

@@ -9,7 +9,6 @@
 
 namespace tb {
 
-class Clock;
 class ErrorReporter;
 class MainQueue;
 
@@ -18,10 +17,7 @@ class MainQueue;
 // safeFileStem) so that no suite can write outside the folder.
 class FileUserDefaultsProvider final : public UserDefaultsProvider {
   public:
-    FileUserDefaultsProvider(std::string folder,
-                             MainQueue& queue,
-                             const Clock& clock,
-                             ErrorReporter& errors);
+    FileUserDefaultsProvider(std::string folder, MainQueue& queue, ErrorReporter& errors);
     ~FileUserDefaultsProvider() override;
 
     FileUserDefaults& standard() override;
@@ -35,7 +31,6 @@ class FileUserDefaultsProvider final : public UserDefaultsProvider {
 
     std::string folder_;
     MainQueue& queue_;
-    const Clock& clock_;
     ErrorReporter& errors_;
     std::unique_ptr<FileUserDefaults> standard_;
     std::map<std::string, std::unique_ptr<FileUserDefaults>> suites_;
