@@ -18,6 +18,10 @@ using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 // The value of the first header named `name` (compared without case), if any.
 std::optional<std::string> findHeader(const HttpHeaders& headers, std::string_view name);
 
+// Sets the header `name` (compared without case) to `value`: the first one found is replaced
+// and any further ones removed; without one, it is added at the end.
+void setHeader(HttpHeaders& headers, std::string_view name, std::string value);
+
 struct HttpRequest {
     std::string method = "GET";
     std::string url;
