@@ -1,0 +1,7 @@
+#include "model/store/ManagedObject.h"
+
+namespace tb {
+
+ManagedObject::~ManagedObject() = default;
+
+}  // namespace tb

@@ -1,0 +1,101 @@
+#include "model/store/PersistentStoreCoordinator.h"
+
+#include <filesystem>
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "model/store/SqliteDatabase.h"
+#include "model/store/SqliteStatement.h"
+#include "model/store/StoreError.h"
+#include "model/store/StoreSchema.h"
+#include "model/store/TextFolding.h"
+
+namespace tb {
+
+namespace {
+
+constexpr int kBusyTimeoutMilliseconds = 2000;
+
+// Switches the file to write-ahead logging. This is the first read of the file: a file that
+// is not a database fails here.
+bool useWriteAheadLog(SqliteDatabase& database, SqliteError* error) {
+    auto statement = database.prepare("PRAGMA journal_mode=WAL", error);
+    if (!statement) {
+        return false;
+    }
+    if (statement->step(error) != SqliteStatement::Step::row) {
+        return false;
+    }
+    if (statement->columnText(0) != "wal") {
+        *error = SqliteError{SQLITE_CANTOPEN, SQLITE_CANTOPEN, 0,
+                             "write-ahead logging is not available for this file"};
+        return false;
+    }
+    return true;
+}
+
+bool configure(SqliteDatabase& database, SqliteError* error) {
+    sqlite3_busy_timeout(database.handle(), kBusyTimeoutMilliseconds);
+    // Keep "-wal" beside the store after it is closed, as the backup exclusion expects.
+    int persist = 1;
+    sqlite3_file_control(database.handle(), "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
+    if (!useWriteAheadLog(database, error)) {
+        return false;
+    }
+    // With a size limit set, closing the store also empties "-wal": the file itself then
+    // holds every row, and a copy of it (the debug export) is complete.
+    if (!database.execute("PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304", error)) {
+        return false;
+    }
+    if (!TextFolding::registerSqlFunction(database)) {
+        *error = database.lastError();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+PersistentStoreCoordinator::PersistentStoreCoordinator(ManagedObjectModel model)
+    : model_(std::move(model)) {}
+
+PersistentStoreCoordinator::~PersistentStoreCoordinator() = default;
+
+bool PersistentStoreCoordinator::addPersistentStore(const std::string& path, Error* error) {
+    removePersistentStore();
+    SqliteError failure;
+    auto database = SqliteDatabase::open(path, &failure);
+    bool ready = database && configure(*database, &failure) &&
+                 StoreSchema::apply(*database, model_, &failure);
+    if (!ready) {
+        if (error) {
+            *error = StoreError::fromSqlite(failure, true, path);
+        }
+        return false;
+    }
+    database_ = std::move(database);
+    path_ = path;
+    ++generation_;
+    return true;
+}
+
+void PersistentStoreCoordinator::removePersistentStore() {
+    if (database_) {
+        database_.reset();
+        ++generation_;
+    }
+}
+
+std::vector<std::string> PersistentStoreCoordinator::storeFiles(const std::string& path) {
+    return {path, path + "-wal", path + "-shm"};
+}
+
+void PersistentStoreCoordinator::destroyPersistentStore(const std::string& path) {
+    for (const std::string& file : storeFiles(path)) {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+    }
+}
+
+}  // namespace tb

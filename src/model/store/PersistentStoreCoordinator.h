@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "model/store/ManagedObjectModel.h"
+#include "platform/Error.h"
+
+namespace tb {
+
+class SqliteDatabase;
+
+// The store file of a model. Adding the store opens (or creates) the file, reads its schema
+// so that a broken file fails here and not at the first fetch, switches it to write-ahead
+// logging (its "-wal" and "-shm" files stay beside it), and brings its tables up to the model.
+//
+// Durability: commits are synced at checkpoints (synchronous=NORMAL in WAL mode), so a
+// process that is killed never loses a save that returned; a power cut may lose the last
+// few saves, but never leaves a broken file.
+class PersistentStoreCoordinator {
+  public:
+    explicit PersistentStoreCoordinator(ManagedObjectModel model);
+    ~PersistentStoreCoordinator();
+    PersistentStoreCoordinator(const PersistentStoreCoordinator&) = delete;
+    PersistentStoreCoordinator& operator=(const PersistentStoreCoordinator&) = delete;
+
+    const ManagedObjectModel& managedObjectModel() const { return model_; }
+
+    // Opens the store at `path`. On failure the coordinator stays without a store and the
+    // error (see StoreError) says why.
+    bool addPersistentStore(const std::string& path, Error* error);
+    bool hasPersistentStore() const { return database_ != nullptr; }
+    const std::string& storePath() const { return path_; }
+    // Closes the store; the files stay.
+    void removePersistentStore();
+
+    // The store file and its two sidecars: the path, then "-wal", then "-shm".
+    static std::vector<std::string> storeFiles(const std::string& path);
+    // Removes the three files; a missing one is no error. Close the store first.
+    static void destroyPersistentStore(const std::string& path);
+
+    // For the context: the open connection (or null) and a number that changes whenever the
+    // store is added or removed.
+    SqliteDatabase* database() const { return database_.get(); }
+    std::uint64_t storeGeneration() const { return generation_; }
+
+  private:
+    ManagedObjectModel model_;
+    std::unique_ptr<SqliteDatabase> database_;
+    std::string path_;
+    std::uint64_t generation_ = 0;
+};
+
+}  // namespace tb

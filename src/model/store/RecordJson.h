@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tb {
+
+class RecordListAccess;
+
+// The stored form of a record array attribute (album tracks, playlist items): a JSON array
+// with one object per record, holding its attributes by name. Values at their defaults are
+// left out; bytes are Base64 text.
+class RecordJson {
+  public:
+    static std::string encode(const RecordListAccess& list, const void* field);
+    // Appends the records read from `text` to the field. Malformed text adds nothing;
+    // unknown names and values of the wrong type are skipped.
+    static void decode(std::string_view text, const RecordListAccess& list, void* field);
+};
+
+}  // namespace tb
