@@ -38,26 +38,21 @@ const T& as(const void* field) {
     return *static_cast<const T*>(field);
 }
 
-std::uint64_t mix(std::uint64_t x) {
-    // The splitmix64 finaliser: every input bit reaches every output bit.
-    x ^= x >> 30;
-    x *= 0xBF58476D1CE4E5B9ull;
-    x ^= x >> 27;
-    x *= 0x94D049BB133111EBull;
-    x ^= x >> 31;
-    return x;
-}
+// Every step of the hashing is one-to-one in the value it adds (an odd multiplier, a
+// rotation, an xor), so changing any one field always changes the record's hash; only
+// text is hashed many-to-one, at 64 bits.
+constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ull;
 
 std::uint64_t hashBytes(std::string_view bytes) {
-    return mix(std::hash<std::string_view>{}(bytes) ^ (bytes.size() * 0x9E3779B97F4A7C15ull));
+    return std::hash<std::string_view>{}(bytes);
 }
 
 std::uint64_t hashInt(std::int64_t value) {
-    return mix(static_cast<std::uint64_t>(value) + 0x3C6EF372FE94F82Bull);
+    return static_cast<std::uint64_t>(value) * 0xD6E8FEB86659FD93ull + 0x3C6EF372FE94F82Bull;
 }
 
 std::uint64_t hashReal(double value) {
-    return mix(std::bit_cast<std::uint64_t>(value) + 0xA54FF53A5F1D36F1ull);
+    return std::bit_cast<std::uint64_t>(value) * 0xBF58476D1CE4E5B9ull + 0xA54FF53A5F1D36F1ull;
 }
 
 std::uint64_t hashInts(const std::vector<std::int64_t>& values) {
@@ -82,38 +77,44 @@ void FieldOps::read(const AttributeDescription& attribute,
                     void* field,
                     const SqliteStatement& statement,
                     int column) {
-    bool null = statement.columnIsNull(column);
+    // Plain numbers read NULL as 0 without asking; text comes with its NULL in one call.
     switch (attribute.kind()) {
         case FieldKind::optionalString: {
             auto& value = as<OptionalString>(field);
-            if (null) {
+            auto text = statement.columnTextIfNotNull(column);
+            if (!text) {
                 value.reset();
             } else if (value) {
-                value->assign(statement.columnText(column));
+                value->assign(*text);
             } else {
-                value.emplace(statement.columnText(column));
+                value.emplace(*text);
             }
             return;
         }
         case FieldKind::string:
-            as<std::string>(field).assign(null ? std::string_view() : statement.columnText(column));
+            as<std::string>(field).assign(statement.columnText(column));
             return;
         case FieldKind::boolean:
-            as<bool>(field) = !null && statement.columnInt64(column) != 0;
+            as<bool>(field) = statement.columnInt64(column) != 0;
             return;
+        case FieldKind::integer:
+            as<std::int64_t>(field) = statement.columnInt64(column);
+            return;
+        case FieldKind::real:
+            as<double>(field) = statement.columnDouble(column);
+            return;
+        default:
+            break;
+    }
+    bool null = statement.columnIsNull(column);
+    switch (attribute.kind()) {
         case FieldKind::optionalBoolean:
             as<OptionalBool>(field) =
                 null ? OptionalBool() : OptionalBool(statement.columnInt64(column) != 0);
             return;
-        case FieldKind::integer:
-            as<std::int64_t>(field) = null ? 0 : statement.columnInt64(column);
-            return;
         case FieldKind::optionalInteger:
             as<OptionalInt>(field) =
                 null ? OptionalInt() : OptionalInt(statement.columnInt64(column));
-            return;
-        case FieldKind::real:
-            as<double>(field) = null ? 0.0 : statement.columnDouble(column);
             return;
         case FieldKind::optionalReal:
             as<OptionalReal>(field) =
@@ -141,6 +142,12 @@ void FieldOps::read(const AttributeDescription& attribute,
             }
             return;
         }
+        case FieldKind::optionalString:
+        case FieldKind::string:
+        case FieldKind::boolean:
+        case FieldKind::integer:
+        case FieldKind::real:
+            return;  // read above
     }
 }
 
@@ -256,8 +263,8 @@ std::uint64_t FieldOps::hash(const AttributeDescription& attribute, const void* 
 }
 
 std::uint64_t FieldOps::combine(std::uint64_t seed, std::uint64_t fieldHash) {
-    // Order matters: the same values in other attributes must not hash alike.
-    return mix(seed ^ (fieldHash + 0x9E3779B97F4A7C15ull + (seed << 6) + (seed >> 2)));
+    // The rotation makes the order count: the same values in other attributes hash apart.
+    return (std::rotl(seed, 23) ^ fieldHash) * kMultiplier;
 }
 
 std::uint64_t FieldOps::hashRecord(const ManagedObject& record) {

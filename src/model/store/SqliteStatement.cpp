@@ -127,6 +127,16 @@ std::string_view SqliteStatement::columnText(int column) const {
             static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
 
+std::optional<std::string_view> SqliteStatement::columnTextIfNotNull(int column) const {
+    // SQLite answers NULL with a null pointer; empty text is an empty string.
+    const unsigned char* text = sqlite3_column_text(statement_, column);
+    if (!text) {
+        return std::nullopt;
+    }
+    return std::string_view(reinterpret_cast<const char*>(text),
+                            static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)));
+}
+
 std::string_view SqliteStatement::columnBlob(int column) const {
     const void* bytes = sqlite3_column_blob(statement_, column);
     if (!bytes) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -44,6 +45,8 @@ class SqliteStatement {
     double columnDouble(int column) const;
     // Valid until the next step, reset or column read of another type on this column.
     std::string_view columnText(int column) const;
+    // The text, or nothing for NULL: one call where columnIsNull and columnText are two.
+    std::optional<std::string_view> columnTextIfNotNull(int column) const;
     std::string_view columnBlob(int column) const;
     std::string columnName(int column) const;
 
