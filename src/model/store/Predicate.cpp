@@ -37,8 +37,12 @@ class FormatCache {
     std::unordered_map<std::string, std::shared_ptr<const PredicateNode>> nodes_;
 };
 
-// A pure memo of immutable parse trees: holding it process-wide changes no behaviour.
-FormatCache formatCache;
+// A pure memo of immutable parse trees: holding it process-wide changes no behaviour. Made
+// on first use, so that a predicate built during static initialisation finds it ready.
+FormatCache& formatCache() {
+    static FormatCache cache;
+    return cache;
+}
 
 // Which placeholders stand on the right of IN (and so take an array).
 void collectArrayPlaceholders(const PredicateNode& node, std::vector<bool>& isArray) {
@@ -76,7 +80,7 @@ Predicate::Predicate(std::shared_ptr<const PredicateNode> root,
     : root_(std::move(root)), arguments_(std::move(arguments)) {}
 
 Predicate Predicate::withFormat(std::string_view format, std::vector<PredicateArgument> arguments) {
-    auto root = formatCache.nodeFor(format);
+    auto root = formatCache().nodeFor(format);
     if (static_cast<std::size_t>(root->placeholderCount) != arguments.size()) {
         TB_FATAL("The predicate format \"" + std::string(format) + "\" takes " +
                  std::to_string(root->placeholderCount) + " arguments, but " +
