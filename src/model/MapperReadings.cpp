@@ -1,0 +1,118 @@
+#include "model/MapperReadings.h"
+
+#include "model/DateText.h"
+#include "model/Item.h"
+#include "model/TBDisplayUtils.h"
+#include "model/TBUtil.h"
+#include "platform/JSON.h"
+
+namespace tb {
+
+namespace {
+
+std::string trimmedBlanks(const std::string& text) {
+    const auto begin = text.find_first_not_of(" \t\r\n");
+    if (begin == std::string::npos) {
+        return "";
+    }
+    const auto end = text.find_last_not_of(" \t\r\n");
+    return text.substr(begin, end - begin + 1);
+}
+
+}  // namespace
+
+std::optional<std::string> MapperReadings::cleaned(const JSON& value) {
+    const auto text = value.string();
+    if (!text) {
+        return std::nullopt;
+    }
+    return TBUtil::cleanString(*text);
+}
+
+bool MapperReadings::isYes(const JSON& value) {
+    return value.stringValue() == "yes";
+}
+
+bool MapperReadings::isTastemaker(const JSON& value) {
+    return value.stringValue() == "tastemaker";
+}
+
+std::int64_t MapperReadings::integerFromText(const JSON& value) {
+    return TBUtil::integerFromText(value.stringValue()).value_or(0);
+}
+
+std::optional<double> MapperReadings::secondsSince1970(const JSON& value) {
+    if (value.isNumber()) {
+        return value.doubleValue();
+    }
+    if (const auto text = value.string()) {
+        if (const auto whole = TBUtil::integerFromText(*text)) {
+            return static_cast<double>(*whole);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> MapperReadings::dateText(const JSON& value) {
+    const auto seconds = secondsSince1970(value);
+    return seconds ? DateText::longDate(*seconds) : std::nullopt;
+}
+
+std::optional<std::string> MapperReadings::numberText(const JSON& value) {
+    if (value.isBool()) {
+        return value.boolValue() ? "1" : "0";  // a bool is a number box of 1 or 0
+    }
+    if (value.isNumber() || value.isString()) {
+        return value.stringValue();
+    }
+    return std::nullopt;
+}
+
+std::optional<std::vector<std::int64_t>> MapperReadings::volumeData(const JSON& value) {
+    const std::string text = TBUtil::cleanString(value.stringValue());
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    std::vector<std::int64_t> samples;
+    size_t start = 0;
+    while (start <= text.size()) {
+        size_t end = text.find(',', start);
+        if (end == std::string::npos) {
+            end = text.size();
+        }
+        if (const auto sample =
+                TBUtil::integerFromText(trimmedBlanks(text.substr(start, end - start)))) {
+            samples.push_back(*sample);
+        }
+        start = end + 1;
+    }
+    return samples;
+}
+
+void MapperReadings::readSizedImages(Item& item, const JSON& json) {
+    const std::string base = json["image_base"].stringValue();
+    if (base.empty()) {
+        item.originalImage = item.image;
+        item.smallImage = item.image;
+        return;
+    }
+    item.originalImage =
+        base + "?width=" + std::to_string(TBDisplayUtils::musicOriginalImageSize());
+    item.smallImage = base + "?width=" + std::to_string(TBDisplayUtils::musicSmallImageSize());
+}
+
+void MapperReadings::readStatistics(Item& item, const JSON& json) {
+    const JSON stats = json["stats"];
+    item.plays = numberText(stats["plays"]);
+    item.favorites = numberText(stats["favorites"]);
+    item.reposts = numberText(stats["reposts"]);
+    item.playlists = numberText(stats["playlists"]);
+    const JSON rankings = stats["rankings"];
+    item.rankDaily = numberText(rankings["daily"]);
+    item.rankWeekly = numberText(rankings["weekly"]);
+    item.rankMonthly = numberText(rankings["monthly"]);
+    item.rankYearly = numberText(rankings["yearly"]);
+    item.rankAllTime = numberText(rankings["total"]);
+}
+
+}  // namespace tb

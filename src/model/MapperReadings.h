@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tb {
+
+class JSON;
+struct Item;
+
+// The reading rules that the song, album, playlist and account mappers share.
+class MapperReadings {
+  public:
+    // The string, cleaned (see TBUtil::cleanString); nil when the value is no string.
+    static std::optional<std::string> cleaned(const JSON& value);
+    // True when the string value is exactly "yes".
+    static bool isYes(const JSON& value);
+    // True when the string value is exactly "tastemaker".
+    static bool isTastemaker(const JSON& value);
+    // The string value read as a whole decimal number; 0 when it is none.
+    static std::int64_t integerFromText(const JSON& value);
+    // Seconds since 1970: a number, or a text of a whole number. Nil otherwise.
+    static std::optional<double> secondsSince1970(const JSON& value);
+    // The long date text of seconds since 1970 (see DateText::longDate), or nil.
+    static std::optional<std::string> dateText(const JSON& value);
+    // A number's description, or a string as it is; nil for anything else.
+    static std::optional<std::string> numberText(const JSON& value);
+    // Samples from a text of integers separated by ",": cleaned, each part trimmed and read
+    // as a whole number, the parts that aren't dropped. Nil when the text is empty.
+    static std::optional<std::vector<std::int64_t>> volumeData(const JSON& value);
+
+    // `originalImage` and `smallImage` from "image_base", or both `image` without one.
+    static void readSizedImages(Item& item, const JSON& json);
+    // `plays`, `favorites`, `reposts`, `playlists` and the five ranks from "stats".
+    static void readStatistics(Item& item, const JSON& json);
+};
+
+}  // namespace tb
