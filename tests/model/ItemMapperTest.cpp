@@ -37,6 +37,7 @@ TEST_F(ItemMapperTest, SongReadsTheServiceAnswer) {
     const ItemPtr song = Item::parseItemFrom(fixture("song.json"), true);
     ASSERT_TRUE(song);
 
+    EXPECT_FALSE(song->isManaged());     // mapped records belong to no context
     EXPECT_EQ(song->itemID, "4815162");  // a numeric id reads as its text
     EXPECT_EQ(song->itemType(), ItemType::song);
     EXPECT_TRUE(song->isSong);
