@@ -1,6 +1,8 @@
 #include <set>
 
 #include "service/ServiceFixture.h"
+#include "tunebrook-service/Service.h"
+#include "tunebrook-service/ServiceContext.h"
 
 namespace tb::test {
 namespace {
@@ -132,6 +134,19 @@ TEST_F(ServiceCatalogueTest, SearchFiltersAndHeadsAndRelatedResults) {
         EXPECT_NE(song["uploader"]["verified"], "");
         EXPECT_EQ(song["genre"], "rap");
     }
+    // An exact artist name brings that account to the head of the first page only.
+    auto verifiedArtist =
+        service().context().accounts.find("a.verified = 'yes' ORDER BY a.id", {}, 0, 1);
+    ASSERT_FALSE(verifiedArtist.empty());
+    auto head = call("GET", "search", {{"q", verifiedArtist[0].name}, {"show", "music"}});
+    EXPECT_EQ(head.json["verified_artist"]["url_slug"], verifiedArtist[0].slug);
+    auto secondPage =
+        call("GET", "search", {{"q", verifiedArtist[0].name}, {"show", "music"}, {"page", "2"}});
+    EXPECT_FALSE(secondPage.json.contains("verified_artist"));
+    auto playlistsOnly =
+        call("GET", "search", {{"q", verifiedArtist[0].name}, {"show", "playlists"}});
+    EXPECT_FALSE(playlistsOnly.json.contains("verified_artist"));
+
     auto related = call("GET", "search", {{"q", "zzqx love"}, {"show", "music"}});
     EXPECT_EQ(related.json["related"], 1);
 
