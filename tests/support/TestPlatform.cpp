@@ -20,6 +20,10 @@ TestPlatform::TestPlatform(AppOptions options) {
         options.keysFile.empty() && !std::filesystem::exists(keys)) {
         writeTestKeys(keys);
     }
+    context_ = std::make_unique<AppContext>(ports(), std::move(options));
+}
+
+AppPorts TestPlatform::ports() {
     AppPorts ports;
     ports.mainQueue = &queue;
     ports.clock = &queue.clock();
@@ -32,7 +36,7 @@ TestPlatform::TestPlatform(AppOptions options) {
     ports.uiHost = &ui;
     ports.random = &random;
     ports.externalSdks = &sdks;
-    context_ = std::make_unique<AppContext>(ports, std::move(options));
+    return ports;
 }
 
 TestPlatform::~TestPlatform() {

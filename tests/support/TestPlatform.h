@@ -22,6 +22,9 @@ class TestPlatform {
 
     AppContext& context() { return *context_; }
 
+    // The fakes as ports, for another context over the same device (a later launch).
+    AppPorts ports();
+
     ManualQueue queue;
     MemoryUserDefaultsProvider defaults;
     MemoryKeychainStore keychain;

@@ -24,6 +24,7 @@
 #include "model/PlaylistTracks.h"
 #include "model/StoreModel.h"
 #include "model/store/StoreError.h"
+#include "support/ChildProcess.h"
 
 #include <gtest/gtest.h>
 
@@ -32,43 +33,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kSkip = 77;
-
-// Runs `body` in a child process; what it writes to the given descriptor comes back as text.
-// The exit status is the body's result (kSkip when the child can't set itself up).
-struct ChildResult {
-    int status = -1;
-    std::string output;
-};
-
-ChildResult runInChild(const std::function<int(int out)>& body) {
-    int fds[2];
-    if (pipe(fds) != 0) {
-        return {};
-    }
-    pid_t pid = fork();
-    if (pid == 0) {
-        close(fds[0]);
-        _exit(body(fds[1]));
-    }
-    close(fds[1]);
-    ChildResult result;
-    char buffer[256];
-    ssize_t got;
-    while ((got = read(fds[0], buffer, sizeof buffer)) > 0) {
-        result.output.append(buffer, static_cast<std::size_t>(got));
-    }
-    close(fds[0]);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return result;
-}
-
-void writeText(int out, const std::string& text) {
-    ssize_t ignored = write(out, text.data(), text.size());
-    (void)ignored;
-}
+constexpr int kSkip = kSkipChild;
 
 // Opens the store at `path` and saves bulky items until a save fails. Writes
 // "<error code> <saves that returned true> <rows after reopening>".
@@ -76,7 +41,7 @@ int fillUntilFull(int out, const std::string& path) {
     auto coordinator = std::make_shared<PersistentStoreCoordinator>(StoreModel::merged());
     Error error;
     if (!coordinator->addPersistentStore(path, &error)) {
-        writeText(out, "open " + std::to_string(error.code));
+        writeToParent(out, "open " + std::to_string(error.code));
         return 1;
     }
     int saved = 0;
@@ -102,25 +67,10 @@ int fillUntilFull(int out, const std::string& path) {
         rows = context.countForFetchRequest(FetchRequest::fetchRequestWithEntityName("Item"))
                    .value_or(-2);
     }
-    writeText(out, std::to_string(error.code) + " " + std::to_string(saved) + " " +
-                       std::to_string(rows) + " " +
-                       error.userInfo[StoreError::kUnderlyingErrorKey]);
+    writeToParent(out, std::to_string(error.code) + " " + std::to_string(saved) + " " +
+                           std::to_string(rows) + " " +
+                           error.userInfo[StoreError::kUnderlyingErrorKey]);
     return 0;
-}
-
-// A mount namespace of the child's own, so that it can mount a small file system.
-bool enterPrivateMounts() {
-    uid_t uid = geteuid();
-    gid_t gid = getegid();
-    if (unshare(CLONE_NEWNS) != 0) {
-        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
-            return false;
-        }
-        std::ofstream("/proc/self/setgroups") << "deny";
-        std::ofstream("/proc/self/uid_map") << "0 " << uid << " 1";
-        std::ofstream("/proc/self/gid_map") << "0 " << gid << " 1";
-    }
-    return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 void expectDiskFullLosingNothing(const ChildResult& result) {
@@ -176,7 +126,7 @@ TEST(StoreProcessTest, AFileTheProcessMayNotReadIsUnreadable) {
         PersistentStoreCoordinator coordinator(StoreModel::merged());
         Error error;
         bool opened = coordinator.addPersistentStore(path, &error);
-        writeText(out, opened ? "opened" : std::to_string(error.code));
+        writeToParent(out, opened ? "opened" : std::to_string(error.code));
         return 0;
     });
     if (result.status == kSkip) {
@@ -216,7 +166,7 @@ TEST(StoreProcessTest, AKillInTheMiddleOfSavingLosesNoSavedRowAndLeavesAStoreTha
                 track->trackId = item->itemID;
                 track->number = n;
                 if (context.save()) {
-                    writeText(fds[1], std::to_string(n) + "\n");
+                    writeToParent(fds[1], std::to_string(n) + "\n");
                 }
             }
         }

@@ -1,0 +1,128 @@
+// The object store half of TBDataManager: the model, the coordinator, the one context.
+
+#include <filesystem>
+#include <system_error>
+
+#include "api/TBDataManager.h"
+#include "app/AppContext.h"
+#include "core/TBConstants.h"
+#include "model/StoreModel.h"
+#include "model/TBCoreDataManager.h"
+#include "model/store/ManagedObjectModel.h"
+#include "model/store/ObjectContext.h"
+#include "model/store/PersistentStoreCoordinator.h"
+#include "model/store/StoreError.h"
+#include "platform/BackupExclusion.h"
+#include "platform/ErrorReporter.h"
+#include "platform/Fatal.h"
+
+namespace tb {
+
+namespace {
+
+constexpr const char* kStoreFileName = "CoreData.sqlite";
+
+std::string underlyingErrorOf(const Error& error) {
+    const auto found = error.userInfo.find(StoreError::kUnderlyingErrorKey);
+    return found == error.userInfo.end() ? std::string() : found->second;
+}
+
+}  // namespace
+
+void TBDataManager::startup() {
+    managedObjectContext_ = loadManagedObjectContext();
+}
+
+const ManagedObjectModel& TBDataManager::loadManagedObjectModel() {
+    if (!managedObjectModel_) {
+        managedObjectModel_ = std::make_unique<ManagedObjectModel>(StoreModel::merged());
+    }
+    return *managedObjectModel_;
+}
+
+std::shared_ptr<PersistentStoreCoordinator> TBDataManager::loadPersistentStoreCoordinator() {
+    if (persistentStoreCoordinator_) {
+        return persistentStoreCoordinator_;
+    }
+    persistentStoreCoordinator_ =
+        std::make_shared<PersistentStoreCoordinator>(loadManagedObjectModel());
+    auto& policy = context_.singleton<TBCoreDataManager>();
+    Error error;
+    if (persistentStoreCoordinator_->addPersistentStore(storePath(), &error)) {
+        // A clean opening after one that met code 256: the fault was passing.
+        if (policy.getError256OnStartup()) {
+            const auto& codes = TBConstants::TBCrashlyticsErrorCodes();
+            context_.errorReporter().recordError(
+                Error{codes.tunebrookErrorDomain,
+                      codes.coreDataNoErrorsOnStartupAfterError256OnStartup,
+                      {},
+                      {}});
+            policy.saveError256OnStartup(false);
+        }
+    } else {
+        context_.errorReporter().recordError(error,
+                                             {{"Method", "persistentStoreCoordinator"},
+                                              {"UnderlyingException", underlyingErrorOf(error)}});
+        policy.handleError(error, true);
+    }
+    // After a rebuild this is the new coordinator.
+    return persistentStoreCoordinator_;
+}
+
+std::shared_ptr<ObjectContext> TBDataManager::loadManagedObjectContext() {
+    if (managedObjectContext_) {
+        return managedObjectContext_;
+    }
+    // The context is the only writer of the store and is used on the main queue alone, so
+    // its changes always win over the rows, attribute by attribute.
+    if (auto coordinator = loadPersistentStoreCoordinator()) {
+        managedObjectContext_ = std::make_shared<ObjectContext>(std::move(coordinator));
+    }
+    // Whether or not the store opened: a missing file stops the process here.
+    for (const std::string& file : PersistentStoreCoordinator::storeFiles(storePath())) {
+        addSkipBackupAttributeToItemAtURL(file);
+    }
+    return managedObjectContext_;
+}
+
+void TBDataManager::recreateDatabase() {
+    const auto& codes = TBConstants::TBCrashlyticsErrorCodes();
+    context_.errorReporter().recordError(
+        Error{codes.tunebrookErrorDomain, codes.databaseRecreated, {}, {}});
+    if (persistentStoreCoordinator_) {
+        persistentStoreCoordinator_->removePersistentStore();
+    }
+    PersistentStoreCoordinator::destroyPersistentStore(storePath());
+    managedObjectContext_.reset();
+    persistentStoreCoordinator_.reset();
+    managedObjectContext_ = loadManagedObjectContext();
+}
+
+std::string TBDataManager::applicationDocumentsDirectory() const {
+    return context_.paths().documents;
+}
+
+std::string TBDataManager::storePath() const {
+    return (std::filesystem::path(applicationDocumentsDirectory()) / kStoreFileName).string();
+}
+
+bool TBDataManager::addSkipBackupAttributeToItemAtURL(const std::string& path) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored)) {
+        TB_FATAL("[[NSFileManager defaultManager] fileExistsAtPath: [URL path]]");
+    }
+    return excludeFromBackup(path);
+}
+
+void TBDataManager::saveManagedObjectContext() {
+    if (!managedObjectContext_ || !managedObjectContext_->hasChanges()) {
+        return;
+    }
+    Error error;
+    if (!managedObjectContext_->save(&error)) {
+        TB_FATAL("Unresolved error " + error.domain + " " + std::to_string(error.code) + ": " +
+                 error.message);
+    }
+}
+
+}  // namespace tb

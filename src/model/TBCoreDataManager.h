@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/UserInfo.h"
+
+namespace tb {
+
+class AppContext;
+struct Error;
+
+// Owns saving and the error policy of the store.
+//
+// How a save fails. The context's save either works, or comes back false with an error (a
+// full disk, a broken file, a busy store): that is an ordinary result, handed to the caller
+// through the error out-parameter. One failure is of another kind: a save with changes on a
+// coordinator that has no store at all (the store could not be opened at launch). Such a
+// save can't even be attempted; it "raises": the guarded save reports it as the exception
+// "NSInternalInconsistencyException", and the caller learns nothing, not even through the
+// error out-parameter, exactly as a caught exception would leave it.
+class TBCoreDataManager {
+  public:
+    explicit TBCoreDataManager(AppContext& context);
+    TBCoreDataManager(const TBCoreDataManager&) = delete;
+    TBCoreDataManager& operator=(const TBCoreDataManager&) = delete;
+
+    static TBCoreDataManager& sharedManager();
+
+    // The guarded save of the one context; `error` (may be null) receives the error of a
+    // save that came back false. No result: a save that came back false still counts as
+    // done here, and only a raised failure is reported (see above).
+    void save(Error* error);
+
+    // The save of the DAO's own writes: a failure is recorded with "Method" = `label` and
+    // handed to handleError with onStartup false, so that it can show the low-storage alert
+    // but never rebuild the store. True when no error came back.
+    bool reportingSave(const std::string& label);
+
+    // The error policy. Runs at most once per process (alertShown); codes 11 and 259 rebuild
+    // the store at launch, 13 tells the listener the device is full, 256 at launch is
+    // recorded and remembered across launches.
+    void handleError(const Error& error, bool onStartup);
+
+    // The standard user default "foundError256OnStartup": the previous opening of the store
+    // ended with code 256. The setter writes it through at once.
+    bool getError256OnStartup() const;
+    void saveError256OnStartup(bool found);
+
+    bool alertShown() const { return alertShown_; }
+    bool foundError256OnStartup() const { return foundError256OnStartup_; }
+    bool loggedFirstSaveResultAfterError256OnStartup() const {
+        return loggedFirstSaveResultAfterError256OnStartup_;
+    }
+
+  private:
+    // Records an event of the app's error domain ("com.tunebrook") with the crash reporter.
+    void recordEvent(std::int64_t code, ErrorInfo userInfo = {}, ErrorInfo additionalInfo = {});
+    void scheduleAlert(const std::string& message);
+    // The first save result after an opening that met code 256 is reported once.
+    bool isFirstSaveAfterError256();
+
+    AppContext& context_;
+    bool alertShown_ = false;
+    bool foundError256OnStartup_ = false;
+    bool loggedFirstSaveResultAfterError256OnStartup_ = false;
+};
+
+}  // namespace tb
