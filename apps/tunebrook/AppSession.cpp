@@ -1,0 +1,80 @@
+#include "AppSession.h"
+
+#include <ostream>
+
+#include "app/AppContext.h"
+#include "app/TBAppDelegate.h"
+#include "core/TunebrookKeys.h"
+#include "platform/Fatal.h"
+#include "platform/RunLoop.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/XdgPaths.h"
+
+namespace tb {
+
+namespace {
+constexpr const char* kErrorDomain = "tunebrook";
+}  // namespace
+
+AppSession::AppSession(SessionOptions options) : options_(std::move(options)) {}
+
+// The context goes first: its singletons may still reach the ports while they go.
+AppSession::~AppSession() {
+    context_.reset();
+    platform_.reset();
+}
+
+std::optional<Error> AppSession::launch(std::ostream& out) {
+    AppOptions appOptions;
+    appOptions.paths = options_.home.empty() ? xdgPaths() : Paths::underHome(options_.home);
+    appOptions.keysFile = options_.keysFile;
+    appOptions.appVersion = TB_VERSION;
+
+    // The key store is read before anything is made, so that a broken one leaves no trace;
+    // reachability watches the live service's host, which it names.
+    const TunebrookKeys keys(TunebrookKeys::pathFor(appOptions));
+    if (keys.error()) {
+        return keys.error();
+    }
+    LinuxPlatformOptions platformOptions;
+    platformOptions.paths = appOptions.paths;
+    platformOptions.serviceBaseURL = keys.wsUrlLive();
+    // A run under its own home leaves the desktop's keyring alone.
+    platformOptions.fileKeychainOnly = !options_.home.empty();
+    std::string reason;
+    platform_ = LinuxPlatform::create(std::move(platformOptions), &reason);
+    if (!platform_) {
+        return Error{kErrorDomain, 1, reason, {}};
+    }
+
+    context_ = std::make_unique<AppContext>(platform_->ports(), std::move(appOptions));
+    auto& app = context_->singleton<TBAppDelegate>();
+    if (auto error = app.didFinishLaunchingWithOptions()) {
+        return error;
+    }
+    for (const auto& record : app.launchRecords()) {
+        out << "launch: " << record.name << " -> " << record.outcome << '\n';
+    }
+    out.flush();
+    return std::nullopt;
+}
+
+AppContext& AppSession::context() {
+    if (!context_) {
+        TB_FATAL("AppSession: no context before the launch");
+    }
+    return *context_;
+}
+
+RunLoop& AppSession::runLoop() {
+    if (!platform_) {
+        TB_FATAL("AppSession: no run loop before the launch");
+    }
+    return platform_->runLoop();
+}
+
+bool AppSession::runUntil(const std::function<bool()>& done, double timeoutSeconds) {
+    return runLoop().runUntil(done, timeoutSeconds);
+}
+
+}  // namespace tb

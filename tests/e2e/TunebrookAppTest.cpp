@@ -1,0 +1,253 @@
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "support/TempDir.h"
+#include "support/TestKeys.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+extern char** environ;
+
+namespace tb {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+struct Run {
+    int status = -1;     // the exit status, or -1 when the process did not exit by itself
+    std::string output;  // stdout and stderr together
+};
+
+// A running tunebrook binary with its stdout and stderr on one pipe.
+class AppProcess {
+  public:
+    explicit AppProcess(const std::vector<std::string>& arguments) {
+        int fds[2];
+        if (pipe(fds) != 0) {
+            return;
+        }
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, fds[1], STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, fds[1], STDERR_FILENO);
+        posix_spawn_file_actions_addclose(&actions, fds[0]);
+        std::vector<std::string> all = {TB_APP_BINARY};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        std::vector<char*> argv;
+        for (auto& argument : all) {
+            argv.push_back(argument.data());
+        }
+        argv.push_back(nullptr);
+        if (posix_spawn(&pid_, TB_APP_BINARY, &actions, nullptr, argv.data(), environ) != 0) {
+            pid_ = -1;
+        }
+        posix_spawn_file_actions_destroy(&actions);
+        close(fds[1]);
+        out_ = fds[0];
+    }
+
+    ~AppProcess() {
+        if (pid_ > 0) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, nullptr, 0);
+        }
+        if (out_ >= 0) {
+            close(out_);
+        }
+    }
+
+    // Reads output until it holds `text` or `seconds` pass; true when it does.
+    bool waitForOutput(const std::string& text, double seconds = 20.0) {
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+        while (output_.find(text) == std::string::npos) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                deadline - std::chrono::steady_clock::now());
+            if (left.count() <= 0 || !readSome(static_cast<int>(left.count()))) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    void signal(int number) { kill(pid_, number); }
+
+    // Waits for the process to end (killing it after `seconds`) and reads what is left.
+    Run finish(double seconds = 20.0) {
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+        waitForOutput("\x01never printed\x01", seconds);
+        Run run;
+        int status = 0;
+        pid_t ended = 0;
+        while ((ended = waitpid(pid_, &status, WNOHANG)) == 0 &&
+               std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        if (ended == 0) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, &status, 0);
+        } else if (ended == pid_ && WIFEXITED(status)) {
+            run.status = WEXITSTATUS(status);
+        }
+        pid_ = -1;
+        run.output = output_;
+        return run;
+    }
+
+  private:
+    // False at the end of the output or when nothing came in `milliseconds`.
+    bool readSome(int milliseconds) {
+        pollfd ready{out_, POLLIN, 0};
+        if (poll(&ready, 1, milliseconds) <= 0) {
+            return false;
+        }
+        char buffer[4096];
+        const auto count = read(out_, buffer, sizeof buffer);
+        if (count <= 0) {
+            return false;
+        }
+        output_.append(buffer, static_cast<std::size_t>(count));
+        return true;
+    }
+
+    pid_t pid_ = -1;
+    int out_ = -1;
+    std::string output_;
+};
+
+Run runApp(const std::vector<std::string>& arguments) {
+    return AppProcess(arguments).finish();
+}
+
+class TunebrookAppTest : public ::testing::Test {
+  protected:
+    TunebrookAppTest() { test::writeTestKeys(keys); }
+
+    std::vector<std::string> withHome(std::vector<std::string> more = {}) {
+        std::vector<std::string> arguments = {"--home", home.path(), "--keys", keys};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return arguments;
+    }
+
+    test::TempDir home;
+    test::TempDir elsewhere;
+    std::string keys = elsewhere.file("keys.json");
+};
+
+TEST_F(TunebrookAppTest, LaunchesTellsEachStepAndExits) {
+    const auto run = runApp(withHome());
+
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_THAT(run.output, HasSubstr("launch: keys -> 25 roles from " + keys + "\n"));
+    EXPECT_THAT(run.output,
+                ::testing::ContainsRegex("launch: crash reporter pick -> (Embrace|Bugsnag)\n"));
+    EXPECT_THAT(run.output, HasSubstr("launch: fresh install -> yes\n"));
+    EXPECT_THAT(run.output, HasSubstr("launch: environment -> live\n"));
+    EXPECT_LT(run.output.find("launch: keys"), run.output.find("launch: crash reporter pick"));
+    EXPECT_LT(run.output.find("launch: fresh install"), run.output.find("launch: AppsFlyer"));
+}
+
+TEST_F(TunebrookAppTest, ASecondRunIsNotAFreshInstallAndKeepsItsCrashReporter) {
+    const auto first = runApp(withHome());
+    ASSERT_EQ(first.status, 0) << first.output;
+    const std::regex pick("launch: crash reporter pick -> (Embrace|Bugsnag)\n");
+    std::smatch picked;
+    ASSERT_TRUE(std::regex_search(first.output, picked, pick)) << first.output;
+
+    const auto second = runApp(withHome());
+    EXPECT_EQ(second.status, 0) << second.output;
+    EXPECT_THAT(second.output, HasSubstr("launch: fresh install -> no\n"));
+    EXPECT_THAT(second.output,
+                HasSubstr("launch: crash reporter pick -> " + picked[1].str() + " (kept)\n"));
+}
+
+TEST_F(TunebrookAppTest, TheKeysFileDefaultsToTheConfigFolderOfTheHome) {
+    const auto first = runApp({"--home", home.path()});
+    EXPECT_EQ(first.status, 1);
+    EXPECT_THAT(first.output, HasSubstr(home.path() + "/config/keys.json"));
+
+    EXPECT_FALSE(std::filesystem::exists(home.path() + "/config")) << "a failed start left files";
+    std::filesystem::create_directories(home.path() + "/config");
+    test::writeTestKeys(home.path() + "/config/keys.json");
+    EXPECT_EQ(runApp({"--home", home.path()}).status, 0);
+}
+
+TEST_F(TunebrookAppTest, AMissingKeyFailsWithItsNameAndStartsNothing) {
+    test::writeTestKeys(keys, "mixpanelToken");
+    const auto run = runApp(withHome());
+
+    EXPECT_NE(run.status, 0);
+    EXPECT_THAT(run.output, HasSubstr("\"mixpanelToken\""));
+    EXPECT_THAT(run.output, HasSubstr(keys));
+    EXPECT_THAT(run.output, Not(HasSubstr("launch:")));
+
+    test::writeTestKeys(keys);
+    EXPECT_THAT(runApp(withHome()).output, HasSubstr("launch: fresh install -> yes\n"));
+}
+
+TEST_F(TunebrookAppTest, ABrokenKeysFileFailsClearly) {
+    std::ofstream(keys, std::ios::trunc) << "{\"tunebrookConsumerKey\": ";
+
+    const auto run = runApp(withHome());
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.output, HasSubstr("keys file " + keys + " is not a JSON object"));
+}
+
+TEST_F(TunebrookAppTest, VersionAndHelpNeedNoKeys) {
+    const auto version = runApp({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_THAT(version.output, ::testing::StartsWith("tunebrook "));
+
+    const auto help = runApp({"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char* option : {"--home", "--keys", "--stay", "--version"}) {
+        EXPECT_THAT(help.output, HasSubstr(option));
+    }
+    EXPECT_NE(runApp({"--no-such-option"}).status, 0);
+}
+
+TEST_F(TunebrookAppTest, StayRunsUntilTerminatedAndStopsCleanly) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        AppProcess app(withHome({"--stay"}));
+        ASSERT_TRUE(app.waitForOutput("running until SIGINT or SIGTERM\n"));
+        app.signal(signal);
+        const auto run = app.finish();
+
+        EXPECT_EQ(run.status, 0) << run.output;
+        EXPECT_THAT(run.output,
+                    HasSubstr(signal == SIGTERM ? "stopped by SIGTERM" : "stopped by SIGINT"));
+    }
+}
+
+TEST_F(TunebrookAppTest, CommandsRunAfterTheLaunch) {
+    const auto taken = runApp(withHome({"open", "tunebrook://song/artist/title?key=k1"}));
+    EXPECT_EQ(taken.status, 0) << taken.output;
+    EXPECT_THAT(taken.output, HasSubstr("open: type=song id=artist/title key=k1\n"));
+    EXPECT_LT(taken.output.find("launch: AppsFlyer"), taken.output.find("open:"));
+
+    // Options of the app may also follow the command.
+    const auto refused =
+        runApp({"open", "https://example.test/x", "--home", home.path(), "--keys", keys});
+    EXPECT_EQ(refused.status, 1) << refused.output;
+    EXPECT_THAT(refused.output, HasSubstr("open: not taken"));
+
+    EXPECT_NE(runApp(withHome({"open"})).status, 0);
+}
+
+}  // namespace
+}  // namespace tb
