@@ -2,6 +2,7 @@
 
 #include "accounts/TBKeychainManager.h"
 #include "ads/InterstitialsManager.h"
+#include "api/TBDataManager.h"
 #include "app/AppContext.h"
 #include "core/LocationManager.h"
 #include "core/TBConstants.h"
@@ -69,7 +70,7 @@ TBKeychainManager& TBAppDelegate::keychainManager() {
 // The order matters: the crash reporters start before anything that could crash, the
 // install marker is written before the libraries that read it, and the environment is
 // chosen before the store and the network start. Steps that join later take their place
-// by name: the store, the token restore and reachability after "environment"; the pending
+// by name: the token restore and reachability after "store"; the pending
 // link after "push"; Branch and Facebook after "location"; cast, cache housekeeping, sync
 // and featured music after "OneSignal"; ad providers after "Zendesk"; Mixpanel after
 // "messaging and Google sign-in"; the notification centre's delegate after "AppsFlyer".
@@ -85,6 +86,7 @@ void TBAppDelegate::buildLaunchSequence() {
         {"Twitter", &TBAppDelegate::startTwitter},
         {"Firebase", &TBAppDelegate::configureFirebase},
         {"environment", &TBAppDelegate::chooseEnvironment},
+        {"store", &TBAppDelegate::openStore},
         {"push", &TBAppDelegate::enablePushIfGranted},
         {"location", &TBAppDelegate::updateLocationIfEnabled},
         {"OneSignal", &TBAppDelegate::startOneSignal},
@@ -195,6 +197,12 @@ std::string TBAppDelegate::chooseEnvironment() {
     // The catalogue client takes the choice here: TBDataManager::useProd() for live,
     // TBDataManager::useDev() for the test host.
     return liveEnvironment_ ? "live" : "dev";
+}
+
+std::string TBAppDelegate::openStore() {
+    auto& data = context_.singleton<TBDataManager>();
+    data.startup();
+    return data.managedObjectContext() ? "open" : "unavailable";
 }
 
 std::string TBAppDelegate::enablePushIfGranted() {

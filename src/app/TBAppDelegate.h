@@ -79,6 +79,7 @@ class TBAppDelegate {
     std::string startTwitter();
     std::string configureFirebase();
     std::string chooseEnvironment();
+    std::string openStore();
     std::string enablePushIfGranted();
     std::string updateLocationIfEnabled();
     std::string startOneSignal();

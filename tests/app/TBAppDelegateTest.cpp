@@ -1,4 +1,5 @@
 #include <any>
+#include <filesystem>
 
 #include "accounts/TBKeychainManager.h"
 #include "app/TBAppDelegate.h"
@@ -70,7 +71,7 @@ TEST_F(TBAppDelegateTest, LaunchRunsItsStepsInTheFixedOrder) {
     EXPECT_THAT(namesOf(app.launchRecords()),
                 ElementsAre("keys", "crash reporter pick", "Embrace", "Crashlytics and Answers",
                             "Bugsnag", "fresh install", "ComScore", "Twitter", "Firebase",
-                            "environment", "push", "location", "OneSignal", "Zendesk",
+                            "environment", "store", "push", "location", "OneSignal", "Zendesk",
                             "messaging and Google sign-in", "AppsFlyer"));
     EXPECT_THAT(platform.errors.started, ElementsAre("Crashlytics", "Answers", "Bugsnag"));
     EXPECT_THAT(
@@ -174,6 +175,12 @@ TEST_F(TBAppDelegateTest, TheEnvironmentFollowsThePreference) {
     EXPECT_EQ(outcomeOf(app, "environment"), "dev");
 }
 
+TEST_F(TBAppDelegateTest, TheStoreOpensAfterTheEnvironmentIsChosen) {
+    const auto& app = launch();
+    EXPECT_EQ(outcomeOf(app, "store"), "open");
+    EXPECT_TRUE(std::filesystem::exists(platform.context().paths().documents + "/CoreData.sqlite"));
+}
+
 TEST_F(TBAppDelegateTest, PushIsEnabledOnlyWhenGranted) {
     EXPECT_EQ(outcomeOf(launch(), "push"), "not granted");
 
@@ -189,17 +196,17 @@ TEST_F(TBAppDelegateTest, AStepInsertedByNameRunsInItsPlace) {
     auto& app = TBAppDelegate::shared();
     std::vector<std::string> seen;
     ASSERT_TRUE(app.launchSequence().insertAfter(
-        "environment", {"store", [&] {
+        "environment", {"catalogue", [&] {
                             seen.push_back(app.liveEnvironment() ? "live" : "dev");
                             return "opened";
                         }}));
     ASSERT_EQ(app.didFinishLaunchingWithOptions(), std::nullopt);
 
     const auto names = namesOf(app.launchRecords());
-    const auto at = std::find(names.begin(), names.end(), "store");
+    const auto at = std::find(names.begin(), names.end(), "catalogue");
     ASSERT_NE(at, names.end());
     EXPECT_EQ(*(at - 1), "environment");
-    EXPECT_EQ(*(at + 1), "push");
+    EXPECT_EQ(*(at + 1), "store");
     EXPECT_THAT(seen, ElementsAre("live"));
 }
 

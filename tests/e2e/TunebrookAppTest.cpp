@@ -158,6 +158,8 @@ TEST_F(TunebrookAppTest, LaunchesTellsEachStepAndExits) {
                 ::testing::ContainsRegex("launch: crash reporter pick -> (Embrace|Bugsnag)\n"));
     EXPECT_THAT(run.output, HasSubstr("launch: fresh install -> yes\n"));
     EXPECT_THAT(run.output, HasSubstr("launch: environment -> live\n"));
+    EXPECT_THAT(run.output, HasSubstr("launch: store -> open\n"));
+    EXPECT_TRUE(std::filesystem::exists(home.path() + "/documents/CoreData.sqlite"));
     EXPECT_LT(run.output.find("launch: keys"), run.output.find("launch: crash reporter pick"));
     EXPECT_LT(run.output.find("launch: fresh install"), run.output.find("launch: AppsFlyer"));
 }
