@@ -1,5 +1,6 @@
 #include "api/TBXAuthClientManager.h"
 
+#include "api/TBServiceEnvironment.h"
 #include "app/AppContext.h"
 #include "core/TBToastUtils.h"
 #include "core/TunebrookKeys.h"
@@ -8,11 +9,9 @@ namespace tb {
 
 namespace {
 
-// The seam to the catalogue's base URL. TBDataManager::baseURL() is its home (set by
-// useProd/useDev at start-up); until that class is here, the live service URL of the key
-// store stands in for it.
+// The catalogue's base URL, as the launch chose it (TBDataManager::useProd/useDev).
 std::string catalogueBaseURL(AppContext& context) {
-    return context.singleton<TunebrookKeys>().wsUrlLive();
+    return context.singleton<TBServiceEnvironment>().baseURL();
 }
 
 AFXAuthClient::Environment environmentOf(AppContext& context) {
