@@ -11,15 +11,16 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 
-#include "DaoTestSupport.h"
 #include "api/TBDataManager.h"
 #include "core/TBConstants.h"
 #include "core/TBLocalization.h"
+#include "model/ItemDAO.h"
 #include "model/TBCoreDataManager.h"
 #include "model/store/ObjectContext.h"
 #include "model/store/PersistentStoreCoordinator.h"
 #include "model/store/StoreError.h"
 #include "platform/BackupExclusion.h"
+#include "support/DaoTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -309,7 +310,7 @@ TEST_F(StoreOpeningTest, SavesAfterACleanOpeningReportNothing) {
     EXPECT_EQ(rowCount(launch), 1);
 }
 
-// Fills the store through reporting saves until one fails. Writes "<code> <method> <alerts
+// Fills the store through the DAO until a save fails. Writes "<code> <method> <alerts
 // before 1 s> <alerts at 1 s> <alert text>".
 int fillUntilAReportingSaveFails(int out, const std::string& home) {
     AppOptions options;
@@ -320,13 +321,11 @@ int fillUntilAReportingSaveFails(int out, const std::string& home) {
     if (!launch.store()) {
         return 2;
     }
-    for (int i = 0; i < 100000; ++i) {
-        auto row = launch.store()->insertNewObject<Item>();
-        row->itemID = std::to_string(i);
-        row->title = std::string(3000, 'a' + static_cast<char>(i % 26));
-        if (!launch.policy().reportingSave("save")) {
-            break;
-        }
+    // The DAO's own saves report their failures; stop at the first one.
+    for (int i = 0; i < 100000 && device.errors.records.empty(); ++i) {
+        auto item = song(std::to_string(i));
+        item->title = std::string(3000, 'a' + static_cast<char>(i % 26));
+        ItemDAO::saveItem(item);
     }
     if (device.errors.records.empty()) {
         return 3;

@@ -87,6 +87,23 @@ void PersistentStoreCoordinator::removePersistentStore() {
     }
 }
 
+bool PersistentStoreCoordinator::checkpoint(Error* error) {
+    if (!database_) {
+        if (error) {
+            *error = StoreError::noStore();
+        }
+        return false;
+    }
+    SqliteError failure;
+    if (!database_->execute("PRAGMA wal_checkpoint(TRUNCATE)", &failure)) {
+        if (error) {
+            *error = StoreError::fromSqlite(failure, false, path_);
+        }
+        return false;
+    }
+    return true;
+}
+
 std::vector<std::string> PersistentStoreCoordinator::storeFiles(const std::string& path) {
     return {path, path + "-wal", path + "-shm"};
 }

@@ -35,6 +35,9 @@ class PersistentStoreCoordinator {
     const std::string& storePath() const { return path_; }
     // Closes the store; the files stay.
     void removePersistentStore();
+    // Moves every committed row from "-wal" into the store file itself, so that a copy of
+    // that one file is complete. False (and the error) when the store is busy or absent.
+    bool checkpoint(Error* error);
 
     // The store file and its two sidecars: the path, then "-wal", then "-shm".
     static std::vector<std::string> storeFiles(const std::string& path);

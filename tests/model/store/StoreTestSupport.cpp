@@ -3,6 +3,7 @@
 #include "model/StoreModel.h"
 #include "model/store/SqliteDatabase.h"
 #include "model/store/SqliteStatement.h"
+#include "support/DaoTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -59,19 +60,7 @@ std::vector<std::string> StoreFixture::idsWhere(const std::string& format,
 }
 
 std::vector<std::string> StoreFixture::query(const std::string& path, const std::string& sql) {
-    SqliteError error;
-    auto database = SqliteDatabase::open(path, &error);
-    EXPECT_TRUE(database) << error.message;
-    if (!database) {
-        return {};
-    }
-    auto statement = database->prepare(sql, &error);
-    EXPECT_TRUE(statement) << error.message;
-    std::vector<std::string> rows;
-    while (statement && statement->step(&error) == SqliteStatement::Step::row) {
-        rows.push_back(statement->columnIsNull(0) ? "NULL" : std::string(statement->columnText(0)));
-    }
-    return rows;
+    return queryColumn(path, sql);
 }
 
 }  // namespace tb::test

@@ -1,11 +1,15 @@
-#include "DaoTestSupport.h"
+#include "support/DaoTestSupport.h"
 
 #include <fstream>
 
 #include "api/TBDataManager.h"
 #include "model/TBCoreDataManager.h"
 #include "model/store/EntityDescription.h"
+#include "model/store/FetchRequest.h"
 #include "model/store/ObjectContext.h"
+#include "model/store/SqliteDatabase.h"
+#include "model/store/SqliteStatement.h"
+#include "model/store/StoreError.h"
 
 namespace tb::test {
 
@@ -35,6 +39,59 @@ Launch& Launch::startup() {
     return *this;
 }
 
+DaoTest::DaoTest() {
+    TBDataManager::sharedManager().startup();
+}
+
+ObjectContext& DaoTest::store() {
+    return *TBDataManager::sharedManager().managedObjectContext();
+}
+
+std::vector<std::string> DaoTest::savedColumn(const std::string& table,
+                                              const std::string& column,
+                                              const std::string& where) {
+    return queryColumn(storePathOf(device), "SELECT " + column + " FROM " + table + " WHERE " +
+                                                where + " ORDER BY rowid");
+}
+
+std::vector<std::string> DaoTest::idsWhere(const Predicate& predicate,
+                                           const std::vector<SortDescriptor>& sort) {
+    auto request = FetchRequest::fetchRequestWithEntityName("Item");
+    request.predicate = predicate;
+    request.sortDescriptors = sort;
+    auto rows = store().fetch<Item>(request);
+    EXPECT_TRUE(rows.has_value());
+    return rows ? idsOf(*rows) : std::vector<std::string>{};
+}
+
+std::vector<std::string> DaoTest::reportedSaveFailures() {
+    std::vector<std::string> failures;
+    for (const auto& record : device.errors.records) {
+        if (record.error.domain == StoreError::kDomain) {
+            const auto method = record.additionalInfo.find("Method");
+            failures.push_back(std::to_string(record.error.code) + " " +
+                               (method == record.additionalInfo.end() ? "-" : method->second));
+        }
+    }
+    return failures;
+}
+
+std::vector<std::string> queryColumn(const std::string& path, const std::string& sql) {
+    SqliteError error;
+    auto database = SqliteDatabase::open(path, &error);
+    EXPECT_TRUE(database) << error.message;
+    if (!database) {
+        return {};
+    }
+    auto statement = database->prepare(sql, &error);
+    EXPECT_TRUE(statement) << error.message;
+    std::vector<std::string> rows;
+    while (statement && statement->step(&error) == SqliteStatement::Step::row) {
+        rows.push_back(statement->columnIsNull(0) ? "NULL" : std::string(statement->columnText(0)));
+    }
+    return rows;
+}
+
 namespace {
 
 ItemPtr makeItem(const std::string& id, const std::string& type) {
@@ -54,6 +111,14 @@ ItemPtr song(const std::string& id, const std::string& title, const std::string&
     item->isSong = true;
     item->title = title;
     item->artist = artist;
+    return item;
+}
+
+ItemPtr downloadedSong(const std::string& id, bool completed, double downloadDate) {
+    auto item = song(id, "Title " + id, "Artist " + id);
+    item->downloaded = true;
+    item->downloadCompleted = completed;
+    item->downloadDate = downloadDate;
     return item;
 }
 

@@ -7,8 +7,12 @@
 
 #include "app/AppContext.h"
 #include "model/Item.h"
+#include "model/store/Predicate.h"
+#include "model/store/SortDescriptor.h"
 #include "support/ChildProcess.h"
 #include "support/TestPlatform.h"
+
+#include <gtest/gtest.h>
 
 namespace tb {
 class ObjectContext;
@@ -42,10 +46,34 @@ class Launch {
 // "<documents>/CoreData.sqlite" of the device.
 std::string storePathOf(TestPlatform& device);
 
+// A device with the store open, as after the launch, for the DAO's tests: the device's own
+// context is current, so the class-level operations work on it.
+class DaoTest : public ::testing::Test {
+  protected:
+    DaoTest();
+
+    ObjectContext& store();
+    const std::string& documents() { return device.context().paths().documents; }
+    // The values of one column of a table, read straight from the file through a
+    // connection of its own (saved rows only), in row order; "NULL" for NULL.
+    std::vector<std::string> savedColumn(const std::string& table,
+                                         const std::string& column,
+                                         const std::string& where = "1");
+    // The ids that a predicate fetches, in the order of the sort descriptors.
+    std::vector<std::string> idsWhere(const Predicate& predicate,
+                                      const std::vector<SortDescriptor>& sort = {});
+    // The codes and "Method" labels of the store errors recorded so far.
+    std::vector<std::string> reportedSaveFailures();
+
+    TestPlatform device;
+};
+
 // A detached song, album or playlist as the mappers would make it.
 ItemPtr song(const std::string& id,
              const std::string& title = "Song",
              const std::string& artist = "Artist");
+// The same, as a download of the given state.
+ItemPtr downloadedSong(const std::string& id, bool completed, double downloadDate = 1.7e9);
 ItemPtr album(const std::string& id, std::vector<ItemPtr> tracks);
 ItemPtr albumTrack(const std::string& id, const std::string& albumId);
 ItemPtr playlist(const std::string& id, std::vector<ItemPtr> items);
@@ -56,6 +84,10 @@ ItemPtr insertRow(const ItemPtr& item);
 
 // The itemIDs of the items, in order.
 std::vector<std::string> idsOf(const std::vector<ItemPtr>& items);
+
+// Runs SQL on the file through a connection of its own, and gives the first column of each
+// row as text ("NULL" for NULL).
+std::vector<std::string> queryColumn(const std::string& path, const std::string& sql);
 
 // A file of `size` bytes.
 void writeBytes(const std::string& path, std::size_t size, char fill = 'x');

@@ -1,0 +1,350 @@
+// The queries of ItemDAO over a real store: the offline lists, the download states, files.
+
+#include <filesystem>
+
+#include "model/ItemDAO.h"
+#include "model/PlaylistTracks.h"
+#include "model/store/ObjectContext.h"
+#include "offline/TBMusicDownloadManager.h"
+#include "support/DaoTestSupport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+
+class ItemDAOQueriesTest : public DaoTest {
+  protected:
+    // Rows in every offline state, each named after what it is.
+    void storeEveryKind() {
+        insertRow(downloadedSong("song", true, 100));
+        insertRow(downloadedSong("songSynced", true, 90))->synced = true;
+        insertRow(downloadedSong("songRunning", false, 80));
+        auto cachedSong = insertRow(downloadedSong("songCached", true, 70));
+        cachedSong->cached = true;
+        insertRow(song("songNotOffline"));
+        auto albumRow = insertRow(album("album", {}));
+        albumRow->downloaded = true;
+        albumRow->downloadDate = 60;
+        auto single = insertRow(albumTrack("single", "gone"));
+        single->downloaded = true;
+        single->downloadCompleted = true;
+        single->albumTrackDownloadedAsSingle = true;
+        single->downloadDate = 50;
+        auto ofAlbum = insertRow(albumTrack("ofAlbum", "album"));
+        ofAlbum->downloaded = true;
+        ofAlbum->downloadCompleted = true;
+        auto playlistRow = insertRow(playlist("playlist", {}));
+        playlistRow->downloaded = true;
+        auto ofPlaylist = insertRow(playlistTrack("ofPlaylist", "playlist"));
+        ofPlaylist->downloaded = true;
+        ofPlaylist->downloadCompleted = true;
+        auto cachedPlaylist = insertRow(playlist("playlistCached", {}));
+        cachedPlaylist->cached = true;
+        store().save();
+    }
+};
+
+TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
+    storeEveryKind();
+    EXPECT_THAT(idsWhere(ItemDAO::cachedItemsPredicate()),
+                UnorderedElementsAre("song", "songSynced", "songRunning", "songCached",
+                                     "songNotOffline", "album", "single", "playlistCached"));
+    EXPECT_THAT(idsWhere(ItemDAO::unsyncedDownloadsPredicate()),
+                UnorderedElementsAre("song", "songRunning", "album", "single"));
+    EXPECT_THAT(idsWhere(ItemDAO::offlineIdsPredicate()),
+                UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single",
+                                     "ofAlbum", "ofPlaylist"));
+    EXPECT_THAT(idsWhere(ItemDAO::offlineAllPredicate()),
+                UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single"));
+    EXPECT_THAT(idsWhere(ItemDAO::offlineSongsPredicate()),
+                UnorderedElementsAre("song", "songSynced", "songRunning", "single"));
+    EXPECT_THAT(idsWhere(ItemDAO::offlineAlbumsPredicate()), ElementsAre("album"));
+    EXPECT_THAT(idsWhere(ItemDAO::offlinePlaylistsPredicate()), ElementsAre("playlist"));
+    EXPECT_THAT(idsWhere(ItemDAO::allDownloadsCompletedPredicate()),
+                UnorderedElementsAre("song", "songSynced", "songCached", "single", "ofAlbum",
+                                     "ofPlaylist"));
+
+    EXPECT_THAT(ItemDAO::unsyncedDownloadsIds(),
+                UnorderedElementsAre("song", "songRunning", "album", "single"));
+    EXPECT_THAT(ItemDAO::offlineIds(),
+                UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single",
+                                     "ofAlbum", "ofPlaylist"));
+    // The cached list comes newest first; rows without a date sort last.
+    const auto cached = ItemDAO::cachedItems();
+    ASSERT_TRUE(cached);
+    auto newestFirst = idsOf(*cached);
+    ASSERT_EQ(newestFirst.size(), 8u);
+    newestFirst.resize(6);
+    EXPECT_THAT(newestFirst,
+                ElementsAre("song", "songSynced", "songRunning", "songCached", "album", "single"));
+}
+
+TEST_F(ItemDAOQueriesTest, TheOfflineOrdersAreNewestOldestAndByArtist) {
+    insertRow(downloadedSong("b", true, 200))->artist = "Zed";
+    insertRow(downloadedSong("a", true, 300))->artist = "Abba";
+    insertRow(downloadedSong("c", true, 100))->artist = "Moby";
+    store().save();
+    const auto order = [&](category::OfflineSorting sorting) {
+        return idsWhere(ItemDAO::offlineSongsPredicate(), {ItemDAO::sortDescriptorFor(sorting)});
+    };
+    EXPECT_THAT(order(category::OfflineSorting::newest), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(order(category::OfflineSorting::oldest), ElementsAre("c", "b", "a"));
+    EXPECT_THAT(order(category::OfflineSorting::alphabetical), ElementsAre("a", "c", "b"));
+    // Any other value counts as newest.
+    EXPECT_THAT(order(static_cast<category::OfflineSorting>(7)), ElementsAre("a", "b", "c"));
+}
+
+TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButNotSaved) {
+    auto first = insertRow(playlist("p1", {}));
+    first->downloaded = true;
+    first->downloadDate = 10;
+    auto second = insertRow(playlist("p2", {}));
+    second->downloaded = true;
+    second->downloadDate = 20;
+    store().save();
+    PlaylistTracks::saveEntryForPlaylist("p1", "t1", 0);
+    PlaylistTracks::saveEntryForPlaylist("p1", "t2", 1);
+    PlaylistTracks::saveEntryForPlaylist("p2", "t1", 0);
+
+    const auto rows = ItemDAO::offlinePlaylists(category::OfflineSorting::oldest);
+    ASSERT_TRUE(rows);
+    EXPECT_THAT(idsOf(*rows), ElementsAre("p1", "p2"));
+    EXPECT_EQ((*rows)[0]->playlistTracksCount, 2);
+    EXPECT_EQ((*rows)[1]->playlistTracksCount, 1);
+    EXPECT_THAT(savedColumn("Item", "playlistTracksCount", "itemID IN ('p1','p2')"),
+                ElementsAre("0", "0"));
+}
+
+TEST_F(ItemDAOQueriesTest,
+       TheOfflineSearchFindsDownloadedMusicByTitleOrArtistWithoutCaseOrAccents) {
+    insertRow(downloadedSong("bjork", true))->artist = "Björk";
+    insertRow(downloadedSong("title", true))->title = "Army of Me (BJORK remix)";
+    auto track = insertRow(albumTrack("track", "album"));
+    track->downloaded = true;
+    track->title = "bjork live";
+    insertRow(song("notDownloaded", "Bjork", "x"));
+    auto cached = insertRow(downloadedSong("cached", true));
+    cached->artist = "Bjork";
+    cached->cached = true;
+    auto list = insertRow(playlist("list", {}));
+    list->downloaded = true;
+    list->title = "Bjork mix";
+    store().save();
+
+    EXPECT_THAT(idsWhere(ItemDAO::offlineSearchPredicateFor("bJö")),
+                UnorderedElementsAre("bjork", "title", "track"));
+    EXPECT_THAT(idsWhere(ItemDAO::offlineSearchPredicateFor("zz")), IsEmpty());
+    // The query is a value, not a pattern.
+    EXPECT_THAT(idsWhere(ItemDAO::offlineSearchPredicateFor("%")), IsEmpty());
+}
+
+TEST_F(ItemDAOQueriesTest, DownloadStatesAreReadFromTheRowsAndAnEmptyIdIsNone) {
+    insertRow(downloadedSong("done", true));
+    insertRow(downloadedSong("running", false));
+    insertRow(song("plain"));
+    insertRow(song(""))->downloaded = true;
+    store().save();
+
+    EXPECT_TRUE(ItemDAO::isDownloaded("done"));
+    EXPECT_TRUE(ItemDAO::isDownloaded("running"));
+    EXPECT_FALSE(ItemDAO::isDownloaded("plain"));
+    EXPECT_FALSE(ItemDAO::isDownloaded("absent"));
+    EXPECT_FALSE(ItemDAO::isDownloaded(""));
+    EXPECT_TRUE(ItemDAO::isDownloadCompleted("done"));
+    EXPECT_FALSE(ItemDAO::isDownloadCompleted("running"));
+    EXPECT_FALSE(ItemDAO::isDownloadCompleted(""));
+
+    EXPECT_EQ(ItemDAO::countDownloadedTracks({"done", "running", "plain", "absent"}), 1);
+    EXPECT_EQ(ItemDAO::countDownloadedTracks({"done", ""}), 0);
+    EXPECT_EQ(ItemDAO::countDownloadedTracks({}), 0);
+
+    EXPECT_EQ(ItemDAO::findByID("plain")->itemID, "plain");
+    EXPECT_EQ(ItemDAO::findByID(""), nullptr);
+    EXPECT_EQ(ItemDAO::findByID("absent"), nullptr);
+}
+
+TEST_F(ItemDAOQueriesTest, ADownloadedFileIsOkOnlyAbove10240Bytes) {
+    const auto item = song("file");
+    const std::string path = item->localFileURL(documents());
+    EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*item));
+    writeBytes(path, 10240);
+    EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*item));
+    writeBytes(path, 10241);
+    EXPECT_TRUE(ItemDAO::isDownloadedFileOkFor(*item));
+    fs::remove(path);
+    fs::create_directory(path);  // a folder has no file size
+    EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*item));
+}
+
+TEST_F(ItemDAOQueriesTest, AHostileIdNamesAFileInsideTheDocumentsFolderOnly) {
+    fs::create_directories(documents() + "/sub");
+    for (const std::string id : {"../escape", "../../etc/passwd", "sub/../../x", "..", "/abs"}) {
+        const auto item = song(id);
+        const fs::path path = item->localFileURL(documents());
+        EXPECT_EQ(path.parent_path(), fs::path(documents())) << id;
+        EXPECT_EQ(path.filename().string().find('/'), std::string::npos) << id;
+    }
+    // A big file where an id would point, were it a path, is not taken for its download.
+    for (const std::string id : {"../escape", "sub/../../x"}) {
+        writeBytes(fs::weakly_canonical(fs::path(documents()) / (id + ".mp3")).string(), 20000);
+        EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*song(id))) << id;
+    }
+}
+
+TEST_F(ItemDAOQueriesTest, AnAlbumIsCompleteWhenEveryStoredTrackIsAndAnAlbumWithoutTracksIs) {
+    auto first = insertRow(downloadedSong("t1", true));
+    auto second = insertRow(downloadedSong("t2", false));
+    const auto albumOf = [](const std::string& id, const std::string& trackIDs) {
+        auto item = album(id, {});
+        item->tracksIDs = trackIDs;
+        item->downloaded = true;
+        return insertRow(item);
+    };
+    auto none = albumOf("none", "");
+    auto partial = albumOf("partial", "t1,t2");
+    auto whole = albumOf("whole", "t1,,missing");
+    auto notWanted = albumOf("notWanted", "t1");
+    notWanted->downloaded = false;
+    store().save();
+
+    EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(none));
+    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(partial));
+    // A listed id without a row drops out of the tracks.
+    EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(whole));
+    EXPECT_THAT(idsOf(whole->tracks), ElementsAre("t1"));
+    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(notWanted));
+    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(album("noRow", {song("t1")})));
+
+    second->downloadCompleted = true;
+    store().save();
+    partial->tracks.clear();
+    EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(partial));
+    EXPECT_TRUE(ItemDAO::isDownloadCompletedIdependentlyFromTypeFor(partial));
+}
+
+TEST_F(ItemDAOQueriesTest, APlaylistIsCompleteWhenItsListedTracksAreAndNeverWithoutEntries) {
+    insertRow(downloadedSong("t1", true));
+    insertRow(downloadedSong("t2", true));
+    auto list = insertRow(playlist("list", {}));
+    list->downloaded = true;
+    store().save();
+
+    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(list));  // no entries
+    PlaylistTracks::saveEntryForPlaylist("list", "t1", 0);
+    PlaylistTracks::saveEntryForPlaylist("list", "t2", 1);
+    EXPECT_TRUE(ItemDAO::isPlaylistFullyDownloaded(list));
+    EXPECT_TRUE(ItemDAO::isDownloadCompletedIdependentlyFromTypeFor(list));
+    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(playlist("noRow", {})));
+
+    // One track listed twice: the count of rows never reaches the length of the list.
+    PlaylistTracks::saveEntryForPlaylist("list", "t1", 2);
+    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(list));
+}
+
+TEST_F(ItemDAOQueriesTest, WhatIsBeingDownloadedIsToldByKind) {
+    auto& transfers = TBMusicDownloadManager::sharedManager();
+    auto t1 = insertRow(downloadedSong("t1", false));
+    auto list = insertRow(playlist("list", {}));
+    PlaylistTracks::saveEntryForPlaylist("list", "t1", 0);
+    auto albumItem = album("album", {song("a1"), song("a2")});
+
+    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(t1));
+    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(list));
+    transfers.setItemBeingDownloaded("t1", false);
+    transfers.setItemBeingDownloaded("a2", false);
+    EXPECT_TRUE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(t1));
+    // The playlist's items come from the store; the album's tracks are taken as they are.
+    EXPECT_TRUE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(list));
+    EXPECT_THAT(idsOf(list->items), ElementsAre("t1"));
+    EXPECT_TRUE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(albumItem));
+    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(album("empty", {})));
+    transfers.setItemBeingDownloaded("t1", true);
+    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(list));
+}
+
+TEST_F(ItemDAOQueriesTest, AFailedDownloadIsWantedUnfinishedAndIdle) {
+    auto& transfers = TBMusicDownloadManager::sharedManager();
+    auto failed = insertRow(downloadedSong("failed", false));
+    auto done = insertRow(downloadedSong("done", true));
+    EXPECT_TRUE(ItemDAO::isDownloadFailedFor(failed));
+    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(done));
+    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(song("noRow")));
+    transfers.setItemBeingDownloaded("failed", false);
+    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(failed));
+
+    auto albumItem = album("album", {});
+    albumItem->tracksIDs = "failed,done";
+    albumItem->downloaded = true;
+    auto albumRow = insertRow(albumItem);
+    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(albumRow));  // a track is running
+    transfers.setItemBeingDownloaded("failed", true);
+    EXPECT_TRUE(ItemDAO::isDownloadFailedFor(albumRow));
+    failed->downloadCompleted = true;
+    store().save();
+    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(albumRow));
+}
+
+TEST_F(ItemDAOQueriesTest, ImageURLsFallBackToTheMainImageOnlyWhenEmpty) {
+    Item item;
+    item.image = "main";
+    item.smallImage = "";
+    item.originalImage = "original";
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 0), "main");
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 1), "original");
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 2), "main");
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, -1), "main");
+    item.smallImage.reset();
+    item.originalImage = "";
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 0), std::nullopt);
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 1), "main");
+    item.image.reset();
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 1), std::nullopt);
+    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 5), std::nullopt);
+}
+
+TEST_F(ItemDAOQueriesTest, APlaylistContainsATrackByItsId) {
+    auto list = playlist("list", {song("a"), song("b")});
+    EXPECT_TRUE(ItemDAO::playlistContainsTrackFor(*list, *song("b")));
+    EXPECT_FALSE(ItemDAO::playlistContainsTrackFor(*list, *song("c")));
+    Item nameless;
+    list->items.push_back(std::make_shared<Item>());
+    EXPECT_FALSE(ItemDAO::playlistContainsTrackFor(*list, nameless));
+    EXPECT_FALSE(ItemDAO::playlistContainsTrackFor(*playlist("empty", {}), *song("a")));
+}
+
+TEST(ItemDAOWithoutStoreTest, EveryQueryIsEmptyAndEveryWriteDoesNothing) {
+    TestPlatform device;  // no startup: no context
+    auto item = downloadedSong("a", true);
+    EXPECT_EQ(ItemDAO::newItem(), nullptr);
+    EXPECT_EQ(ItemDAO::saveItem(item), item);
+    EXPECT_EQ(ItemDAO::findByID("a"), nullptr);
+    EXPECT_FALSE(ItemDAO::cachedItems());
+    EXPECT_FALSE(ItemDAO::offlinePlaylists(category::OfflineSorting::newest));
+    EXPECT_EQ(ItemDAO::countDownloadedTracks({"a"}), 0);
+    EXPECT_FALSE(ItemDAO::isDownloaded("a"));
+    EXPECT_FALSE(ItemDAO::isDownloadCompleted("a"));
+    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(album("b", {})));
+    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(playlist("c", {})));
+    EXPECT_THAT(ItemDAO::offlineIds(), IsEmpty());
+    EXPECT_THAT(ItemDAO::unsyncedDownloadsIds(), IsEmpty());
+    EXPECT_THAT(PlaylistTracks::tracksForPlaylist("c"), IsEmpty());
+    EXPECT_EQ(PlaylistTracks::playlistsTrackCount("c"), 0);
+    ItemDAO::markAsDownloaded("a");
+    ItemDAO::markAsDownloadCompleted("a");
+    ItemDAO::markItemsAsSynced("a,b");
+    ItemDAO::removeDuplicateWithID("a");
+    PlaylistTracks::saveEntryForPlaylist("c", "a", 0);
+    PlaylistTracks::savePlaylist(*playlist("c", {song("a")}));
+    EXPECT_TRUE(device.errors.records.empty());
+    EXPECT_FALSE(fs::exists(storePathOf(device)));
+}
+
+}  // namespace
+}  // namespace tb::test
