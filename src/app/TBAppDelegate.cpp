@@ -3,6 +3,7 @@
 #include "accounts/TBKeychainManager.h"
 #include "ads/InterstitialsManager.h"
 #include "api/TBDataManager.h"
+#include "api/TBReachabilityManager.h"
 #include "app/AppContext.h"
 #include "core/LocationManager.h"
 #include "core/TBConstants.h"
@@ -70,9 +71,9 @@ TBKeychainManager& TBAppDelegate::keychainManager() {
 // The order matters: the crash reporters start before anything that could crash, the
 // install marker is written before the libraries that read it, and the environment is
 // chosen before the store and the network start. Steps that join later take their place
-// by name: the token restore and reachability after "store"; the pending
-// link after "push"; Branch and Facebook after "location"; cast, cache housekeeping, sync
-// and featured music after "OneSignal"; ad providers after "Zendesk"; Mixpanel after
+// by name: the token restore after "store"; the pending link after "push"; Branch and
+// Facebook after "location"; cast, cache housekeeping and sync after "OneSignal", before
+// "featured music"; ad providers after "Zendesk"; Mixpanel after
 // "messaging and Google sign-in"; the notification centre's delegate after "AppsFlyer".
 void TBAppDelegate::buildLaunchSequence() {
     const std::vector<std::pair<const char*, std::string (TBAppDelegate::*)()>> steps = {
@@ -87,9 +88,11 @@ void TBAppDelegate::buildLaunchSequence() {
         {"Firebase", &TBAppDelegate::configureFirebase},
         {"environment", &TBAppDelegate::chooseEnvironment},
         {"store", &TBAppDelegate::openStore},
+        {"reachability", &TBAppDelegate::startReachability},
         {"push", &TBAppDelegate::enablePushIfGranted},
         {"location", &TBAppDelegate::updateLocationIfEnabled},
         {"OneSignal", &TBAppDelegate::startOneSignal},
+        {"featured music", &TBAppDelegate::getFeaturedMusic},
         {"Zendesk", &TBAppDelegate::startZendesk},
         {"messaging and Google sign-in", &TBAppDelegate::startMessagingAndGoogleSignIn},
         {"AppsFlyer", &TBAppDelegate::startAppsFlyer},
@@ -194,8 +197,11 @@ std::string TBAppDelegate::configureFirebase() {
 
 std::string TBAppDelegate::chooseEnvironment() {
     liveEnvironment_ = TBPreferencesRepository(context_).liveEnvironment();
-    // The catalogue client takes the choice here: TBDataManager::useProd() for live,
-    // TBDataManager::useDev() for the test host.
+    if (liveEnvironment_) {
+        TBDataManager::useProd(context_);
+    } else {
+        TBDataManager::useDev(context_);
+    }
     return liveEnvironment_ ? "live" : "dev";
 }
 
@@ -203,6 +209,12 @@ std::string TBAppDelegate::openStore() {
     auto& data = context_.singleton<TBDataManager>();
     data.startup();
     return data.managedObjectContext() ? "open" : "unavailable";
+}
+
+std::string TBAppDelegate::startReachability() {
+    auto& reachability = context_.singleton<TBReachabilityManager>();
+    reachability.start();
+    return reachability.isOffline() ? "started, offline" : "started";
 }
 
 std::string TBAppDelegate::enablePushIfGranted() {
@@ -264,8 +276,13 @@ void TBAppDelegate::applicationWillResignActive() {
     context_.notificationCenter().post(TBConstants::TBGlobalNotifications().didEnterBackground);
 }
 
+std::string TBAppDelegate::getFeaturedMusic() {
+    context_.singleton<TBDataManager>().getFeaturedMusic();
+    return "requested";
+}
+
 void TBAppDelegate::applicationWillEnterForeground() {
-    // The catalogue client refreshes the featured music here (getFeaturedMusic).
+    context_.singleton<TBDataManager>().getFeaturedMusic();
 }
 
 // Posted at active on purpose, so that a fresh start posts it too.

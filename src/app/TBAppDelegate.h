@@ -40,6 +40,7 @@ class TBAppDelegate {
     // Platform events.
     void applicationWillResignActive();
     void applicationDidEnterBackground() {}
+    // Refreshes the featured music.
     void applicationWillEnterForeground();
     void applicationDidBecomeActive();
     void applicationWillTerminate() {}
@@ -80,9 +81,11 @@ class TBAppDelegate {
     std::string configureFirebase();
     std::string chooseEnvironment();
     std::string openStore();
+    std::string startReachability();
     std::string enablePushIfGranted();
     std::string updateLocationIfEnabled();
     std::string startOneSignal();
+    std::string getFeaturedMusic();
     std::string startZendesk();
     std::string startMessagingAndGoogleSignIn();
     std::string startAppsFlyer();
