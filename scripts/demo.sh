@@ -1,10 +1,71 @@
 #!/usr/bin/env bash
 # The demo: builds the client and the reference service, starts the service on a free
-# loopback port and runs the client against it.
+# loopback port with its generated catalogue, and takes the client through it: the launch,
+# the charts, trending and recent music, an artist, a search and the featured spots.
+#
+# State lives in .demo/ at the top of the tree (the service's database, audio and keys; the
+# client's preferences and store), so a second run starts at once and finds what the first
+# one left. `bash scripts/demo.sh --fresh` starts from nothing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+if [[ "${1:-}" == "--fresh" ]]; then
+  rm -rf .demo/service .demo/client
+fi
+
 bash scripts/install-deps.sh
-cmake --preset default
+cmake --preset default >/dev/null
 cmake --build --preset default --target tunebrook tunebrook-service
-./build/default/apps/tunebrook/tunebrook
+
+demo=.demo
+mkdir -p "$demo/service" "$demo/client" "$demo/media"
+service_bin=./build/default/apps/tunebrook-service/tunebrook-service
+client_bin=./build/default/apps/tunebrook/tunebrook
+
+service_out="$demo/service.out"
+: >"$service_out"
+echo "== Starting the reference service (the first start makes its catalogue and audio)"
+"$service_bin" --data "$demo/service" --port 0 --media-cache "$demo/media" \
+  >"$service_out" 2>"$demo/service.log" &
+service_pid=$!
+trap 'kill "$service_pid" 2>/dev/null || true; wait "$service_pid" 2>/dev/null || true' EXIT
+
+for _ in $(seq 1 600); do
+  if [[ -s "$service_out" ]]; then break; fi
+  if ! kill -0 "$service_pid" 2>/dev/null; then
+    echo "The service stopped while starting:" >&2
+    cat "$demo/service.log" >&2
+    exit 1
+  fi
+  sleep 0.1
+done
+base_url=$(head -n 1 "$service_out")
+if [[ -z "$base_url" ]]; then
+  echo "The service did not say where it listens; see $demo/service.log" >&2
+  exit 1
+fi
+echo "   service at $base_url (log: $demo/service.log)"
+
+client() {
+  echo
+  echo "== tunebrook $*"
+  "$client_bin" --home "$demo/client" --keys "$demo/service/keys.json" "$@"
+}
+
+client
+client trending
+client recent
+client chart songs --genre rap --period week
+client chart albums
+# The first uploader of the trending list, picked out of the client's own JSON records.
+artist=$("$client_bin" --home "$demo/client" --keys "$demo/service/keys.json" --json trending \
+  2>/dev/null | grep -o '"uploaderSlug": *"[^"]*"' | head -n 1 | sed 's/.*"\([^"]*\)"$/\1/' || true)
+if [[ -n "$artist" ]]; then
+  client artist "$artist"
+  client artist "$artist" uploads
+fi
+client search love
+client featured
+
+echo
+echo "== Done. The service stops now; run this script again to come back to the same state."

@@ -11,6 +11,7 @@
 #include "core/TBPreferencesRepository.h"
 #include "core/TunebrookKeys.h"
 #include "core/URLComponents.h"
+#include "model/TBUtil.h"
 #include "platform/ErrorReporter.h"
 #include "platform/ExternalSdks.h"
 #include "platform/Fatal.h"
@@ -23,24 +24,6 @@ namespace {
 
 constexpr const char* kAppScheme = "tunebrook";
 constexpr const char* kKeyQueryPrefix = "key=";
-
-// The kind of build, as the crash reporter's release stage names it: 0 Debug, 1 AdHoc,
-// 2 TestFlight, 3 Production. Linux builds are either debug builds or release builds.
-int buildType() {
-#ifdef NDEBUG
-    return 3;
-#else
-    return 0;
-#endif
-}
-
-std::optional<std::string> releaseStage(int type) {
-    static constexpr const char* kStages[] = {"Debug", "AdHoc", "TestFlight", "Production"};
-    if (type < 0 || type > 3) {
-        return std::nullopt;
-    }
-    return kStages[type];
-}
 
 std::string removeAll(std::string text, const std::string& part) {
     for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at)) {
@@ -157,7 +140,7 @@ std::string TBAppDelegate::startBugsnag() {
     }
     auto& reporter = context_.errorReporter();
     reporter.startReporter("Bugsnag", context_.singleton<TunebrookKeys>().bugsnagKey());
-    const auto stage = releaseStage(buildType());
+    const auto stage = TBUtil::releaseStage(TBUtil::buildType());
     if (!stage) {
         return "started";
     }
