@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
+#include "core/TunebrookKeys.h"
 #include "support/ServiceProcess.h"
 #include "support/ServiceTestSigner.h"
 #include "support/TempDir.h"
@@ -67,27 +68,8 @@ TEST_F(ServiceProcessTest, PrintsItsAddressFirstAndWritesItsKeysForTheOwnerOnly)
     EXPECT_EQ(keys["wsUrlLive"], service->baseUrl());
     EXPECT_EQ(keys["wsUrlDev"], service->baseUrl());
     EXPECT_GE(keys["tunebrookConsumerSecret"].get<std::string>().size(), 32u);
-    for (const char* role : {"embraceKey",
-                             "bugsnagKey",
-                             "comscoreId",
-                             "comscoreSecret",
-                             "twitterConsumerKey",
-                             "twitterConsumerSecret",
-                             "oneSignalLiveKey",
-                             "zendeskAppId",
-                             "zendeskClientId",
-                             "zendeskUrl",
-                             "googleClientId",
-                             "appsFlyerKey",
-                             "appleAppIdWithoutId",
-                             "mixpanelToken",
-                             "mopubBannerId",
-                             "mopubNativeAdId",
-                             "mopub300x250Id",
-                             "mopubInterstitialId",
-                             "mopubSoundOnInterstitialId",
-                             "tapJoyKey",
-                             "fyberAppId"}) {
+    // Every role the client asks for is there, so the client starts with this file.
+    for (const auto& role : TunebrookKeys::roles()) {
         EXPECT_TRUE(keys[role].is_string()) << role;
     }
     EXPECT_EQ(service->terminate(), 0);
