@@ -17,6 +17,7 @@ class RunLoop;
 struct SessionOptions {
     std::string home;      // empty: the XDG folders
     std::string keysFile;  // empty: keys.json in the config folder
+    bool json = false;     // commands print JSON records instead of lines for people
 };
 
 // One run of the app on this machine: its folders, the platform, the app's context and the
@@ -34,6 +35,7 @@ class AppSession {
     std::optional<Error> launch(std::ostream& out);
 
     AppContext& context();
+    bool jsonOutput() const { return options_.json; }
     RunLoop& runLoop();
 
     // Runs the main queue until `done` is true or the time is up; returns done().

@@ -42,6 +42,8 @@ int main(int argc, char** argv) {
                    "The keys file (default: keys.json in the config folder)")
         ->type_name("FILE");
     cli.add_flag("--stay", stay, "Keep running until SIGINT or SIGTERM");
+    cli.add_flag("--json", options.json,
+                 "Commands print the records as JSON; the launch's lines go to stderr");
     cli.set_version_flag("--version", std::string("tunebrook ") + TB_VERSION);
     cli.require_subcommand(0, 1);
     cli.fallthrough();
@@ -61,7 +63,7 @@ int main(int argc, char** argv) {
     }
 
     tb::AppSession session(options);
-    if (const auto error = session.launch(std::cout)) {
+    if (const auto error = session.launch(options.json ? std::cerr : std::cout)) {
         std::cerr << "tunebrook: " << error->message << '\n';
         return 1;
     }

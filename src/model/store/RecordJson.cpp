@@ -10,6 +10,7 @@
 #include "model/store/EntityDescription.h"
 #include "model/store/FieldOps.h"
 #include "model/store/ManagedObject.h"
+#include "platform/Base64.h"
 #include "platform/JsonLimits.h"
 
 namespace tb {
@@ -18,97 +19,38 @@ namespace {
 
 using json = nlohmann::json;
 
-constexpr char kBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+json encodeRecord(const ManagedObject& record, bool withDefaults);
 
-std::string toBase64(std::string_view bytes) {
-    std::string text;
-    text.reserve((bytes.size() + 2) / 3 * 4);
-    std::size_t i = 0;
-    for (; i + 2 < bytes.size(); i += 3) {
-        std::uint32_t n = (std::uint8_t(bytes[i]) << 16) | (std::uint8_t(bytes[i + 1]) << 8) |
-                          std::uint8_t(bytes[i + 2]);
-        text += kBase64[(n >> 18) & 63];
-        text += kBase64[(n >> 12) & 63];
-        text += kBase64[(n >> 6) & 63];
-        text += kBase64[n & 63];
-    }
-    if (i < bytes.size()) {
-        std::uint32_t n = std::uint8_t(bytes[i]) << 16;
-        if (i + 1 < bytes.size()) {
-            n |= std::uint8_t(bytes[i + 1]) << 8;
-        }
-        text += kBase64[(n >> 18) & 63];
-        text += kBase64[(n >> 12) & 63];
-        text += i + 1 < bytes.size() ? kBase64[(n >> 6) & 63] : '=';
-        text += '=';
-    }
-    return text;
-}
-
-std::optional<std::string> fromBase64(std::string_view text) {
-    auto value = [](char c) -> int {
-        if (c >= 'A' && c <= 'Z') {
-            return c - 'A';
-        }
-        if (c >= 'a' && c <= 'z') {
-            return c - 'a' + 26;
-        }
-        if (c >= '0' && c <= '9') {
-            return c - '0' + 52;
-        }
-        if (c == '+') {
-            return 62;
-        }
-        if (c == '/') {
-            return 63;
-        }
-        return -1;
-    };
-    std::string bytes;
-    std::uint32_t buffer = 0;
-    int bits = 0;
-    for (char c : text) {
-        if (c == '=') {
-            break;
-        }
-        int v = value(c);
-        if (v < 0) {
-            return std::nullopt;
-        }
-        buffer = (buffer << 6) | static_cast<std::uint32_t>(v);
-        bits += 6;
-        if (bits >= 8) {
-            bits -= 8;
-            bytes += static_cast<char>((buffer >> bits) & 0xFF);
-        }
-    }
-    return bytes;
-}
-
-json encodeRecord(const ManagedObject& record);
-
-json encodeList(const RecordListAccess& list, const void* field) {
+json encodeList(const RecordListAccess& list, const void* field, bool withDefaults) {
     json array = json::array();
     for (std::size_t i = 0; i < list.size(field); ++i) {
         const ManagedObject* element = list.at(field, i);
         if (element) {
-            array.push_back(encodeRecord(*element));
+            array.push_back(encodeRecord(*element, withDefaults));
         }
     }
     return array;
 }
 
-json encodeRecord(const ManagedObject& record) {
+bool isDefault(const AttributeDescription& attribute,
+               const void* field,
+               const ManagedObject& record) {
+    return FieldOps::hash(attribute, field) ==
+           FieldOps::hash(attribute, attribute.field(record.entity().prototype()));
+}
+
+json encodeRecord(const ManagedObject& record, bool withDefaults) {
     json object = json::object();
-    const ManagedObject& prototype = record.entity().prototype();
     for (const AttributeDescription& attribute : record.entity().attributes()) {
         const void* field = attribute.field(record);
-        if (FieldOps::isNil(attribute, field) ||
-            FieldOps::hash(attribute, field) ==
-                FieldOps::hash(attribute, attribute.field(prototype))) {
+        if (!withDefaults &&
+            (FieldOps::isNil(attribute, field) || isDefault(attribute, field, record))) {
             continue;
         }
         json& value = object[attribute.name()];
+        if (FieldOps::isNil(attribute, field) && attribute.kind() != FieldKind::recordArray) {
+            continue;  // stays null
+        }
         switch (attribute.kind()) {
             case FieldKind::optionalString:
                 value = **static_cast<const std::optional<std::string>*>(field);
@@ -135,13 +77,13 @@ json encodeRecord(const ManagedObject& record) {
                 value = **static_cast<const std::optional<double>*>(field);
                 break;
             case FieldKind::optionalData:
-                value = toBase64(static_cast<const std::optional<Data>*>(field)->value().bytes);
+                value = base64Encode(static_cast<const std::optional<Data>*>(field)->value().bytes);
                 break;
             case FieldKind::optionalIntegerArray:
                 value = **static_cast<const std::optional<std::vector<std::int64_t>>*>(field);
                 break;
             case FieldKind::recordArray:
-                value = encodeList(*attribute.recordList(), field);
+                value = encodeList(*attribute.recordList(), field, withDefaults);
                 break;
         }
     }
@@ -194,7 +136,7 @@ void decodeValue(const AttributeDescription& attribute, void* field, const json&
             return;
         case FieldKind::optionalData:
             if (value.is_string()) {
-                if (auto bytes = fromBase64(value.get<std::string>())) {
+                if (auto bytes = base64Decode(value.get<std::string>())) {
                     *static_cast<std::optional<Data>*>(field) = Data{std::move(*bytes)};
                 }
             }
@@ -239,7 +181,11 @@ void decodeList(const json& array, const RecordListAccess& list, void* field) {
 }  // namespace
 
 std::string RecordJson::encode(const RecordListAccess& list, const void* field) {
-    return encodeList(list, field).dump(-1, ' ', false, json::error_handler_t::replace);
+    return encodeList(list, field, false).dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+nlohmann::json RecordJson::object(const ManagedObject& record) {
+    return encodeRecord(record, true);
 }
 
 void RecordJson::decode(std::string_view text, const RecordListAccess& list, void* field) {
