@@ -52,20 +52,30 @@ client() {
   "$client_bin" --home "$demo/client" --keys "$demo/service/keys.json" "$@"
 }
 
+# The launch once in full; after that only what each command printed.
+quiet_client() {
+  echo
+  echo "== tunebrook $*"
+  "$client_bin" --home "$demo/client" --keys "$demo/service/keys.json" "$@" 2>&1 |
+    grep -v -e '^launch: ' -e '^\[Keychain\]' || true
+}
+
 client
-client trending
-client recent
-client chart songs --genre rap --period week
-client chart albums
+quiet_client trending
+quiet_client recent --genre electronic
+quiet_client chart songs --genre rap --period weekly
+quiet_client chart albums --period monthly
 # The first uploader of the trending list, picked out of the client's own JSON records.
 artist=$("$client_bin" --home "$demo/client" --keys "$demo/service/keys.json" --json trending \
   2>/dev/null | grep -o '"uploaderSlug": *"[^"]*"' | head -n 1 | sed 's/.*"\([^"]*\)"$/\1/' || true)
 if [[ -n "$artist" ]]; then
-  client artist "$artist"
-  client artist "$artist" uploads
+  quiet_client artist "$artist"
+  quiet_client artist "$artist" uploads
 fi
-client search love
-client featured
+quiet_client search love
+quiet_client search signal --category artists
+quiet_client featured
+quiet_client song 99999999
 
 echo
 echo "== Done. The service stops now; run this script again to come back to the same state."

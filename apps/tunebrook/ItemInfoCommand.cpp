@@ -26,7 +26,7 @@ std::string ItemInfoCommand::description() const {
 void ItemInfoCommand::configure(CLI::App& command) {
     const std::string what = kind_ == Kind::playlist
                                  ? "The playlist's id or slug"
-                                 : "The id, or uploader-slug/" + name() + "-slug";
+                                 : "The id, or uploader-slug/" + name() + "/" + name() + "-slug";
     command.add_option("ID", identifier_, what)->required();
 }
 

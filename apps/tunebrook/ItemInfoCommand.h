@@ -7,7 +7,8 @@
 namespace tb {
 
 // `tunebrook song ID`, `album ID`, `playlist ID`: one item as the service describes it,
-// with its tracks. Songs and albums may be named by "uploader-slug/item-slug" too.
+// with its tracks. Songs and albums may be named by their slugs too, as the service's paths
+// hold them: "uploader-slug/album/album-slug".
 class ItemInfoCommand : public CatalogueCommand {
   public:
     enum class Kind { song, album, playlist };
