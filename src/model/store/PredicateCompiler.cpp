@@ -83,7 +83,9 @@ class Compiler {
                 return folded(lhs) + " IN (SELECT " + folded("value") + " FROM json_each(" + rhs +
                        "))";
             case PredicateOperator::contains:
-                return "instr(" + folded(lhs) + ", " + folded(rhs) + ") > 0";
+                // A folded search runs without handing each folded row back to SQLite.
+                return node.foldOptions ? "tb_contains(" + lhs + ", " + rhs + ", " + options + ")"
+                                        : "instr(" + lhs + ", " + rhs + ") > 0";
             case PredicateOperator::beginsWith:
                 return "instr(" + folded(lhs) + ", " + folded(rhs) + ") = 1";
             case PredicateOperator::endsWith:

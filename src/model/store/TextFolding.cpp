@@ -771,19 +771,68 @@ void foldFunction(sqlite3_context* context, int argc, sqlite3_value** argv) {
     sqlite3_result_text64(context, folded.data(), folded.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
+std::string_view textOf(sqlite3_value* value) {
+    const unsigned char* text = sqlite3_value_text(value);
+    return {reinterpret_cast<const char*>(text),
+            static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+// tb_contains(text, part, options): whether `text` holds `part` once both are folded. The
+// folded part is kept with the statement while it is a constant, so that a search folds
+// only each row's text, into a buffer reused from row to row.
+void containsFunction(sqlite3_context* context, int argc, sqlite3_value** argv) {
+    if (argc != 3 || sqlite3_value_type(argv[0]) == SQLITE_NULL ||
+        sqlite3_value_type(argv[1]) == SQLITE_NULL) {
+        sqlite3_result_null(context);
+        return;
+    }
+    const auto options = static_cast<unsigned>(sqlite3_value_int(argv[2]));
+    const auto* kept = static_cast<const std::string*>(sqlite3_get_auxdata(context, 1));
+    std::string folded;
+    if (!kept) {
+        folded = TextFolding::fold(textOf(argv[1]), options);
+    }
+    const std::string& part = kept ? *kept : folded;
+    thread_local std::string text;
+    TextFolding::foldInto(textOf(argv[0]), options, text);
+    sqlite3_result_int(context, text.find(part) != std::string::npos ? 1 : 0);
+    if (!kept) {
+        // SQLite may drop it at once (when the part isn't a constant); nothing uses it after.
+        sqlite3_set_auxdata(context, 1, new std::string(std::move(folded)),
+                            [](void* value) { delete static_cast<std::string*>(value); });
+    }
+}
+
 }  // namespace
 
 std::string TextFolding::fold(std::string_view text, unsigned options) {
+    std::string out;
+    foldInto(text, options, out);
+    return out;
+}
+
+void TextFolding::foldInto(std::string_view text, unsigned options, std::string& out) {
     bool caseless = options & kCaseInsensitive;
     bool markless = options & kDiacriticInsensitive;
-    std::string out;
+    out.clear();
     out.reserve(text.size());
     std::size_t at = 0;
     while (at < text.size()) {
-        auto byte = static_cast<unsigned char>(text[at]);
-        if (byte < 0x80) {
-            out += static_cast<char>(caseless ? lowerOf(byte) : byte);
-            ++at;
+        // Most text is a run of ASCII, copied (and lowered) in one go.
+        std::size_t run = at;
+        while (run < text.size() && static_cast<unsigned char>(text[run]) < 0x80) {
+            ++run;
+        }
+        if (run > at) {
+            const std::size_t start = out.size();
+            out.append(text.data() + at, run - at);
+            if (caseless) {
+                for (std::size_t i = start; i < out.size(); ++i) {
+                    const char c = out[i];
+                    out[i] = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+                }
+            }
+            at = run;
             continue;
         }
         std::size_t length = 0;
@@ -813,13 +862,14 @@ std::string TextFolding::fold(std::string_view text, unsigned options) {
             out += original;
         }
     }
-    return out;
 }
 
 bool TextFolding::registerSqlFunction(SqliteDatabase& database) {
     int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
     return sqlite3_create_function_v2(database.handle(), "tb_fold", 2, flags, nullptr,
-                                      &foldFunction, nullptr, nullptr, nullptr) == SQLITE_OK;
+                                      &foldFunction, nullptr, nullptr, nullptr) == SQLITE_OK &&
+           sqlite3_create_function_v2(database.handle(), "tb_contains", 3, flags, nullptr,
+                                      &containsFunction, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 }  // namespace tb

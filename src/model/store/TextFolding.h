@@ -21,8 +21,11 @@ class TextFolding {
     static constexpr unsigned kDiacriticInsensitive = 2;
 
     static std::string fold(std::string_view text, unsigned options);
+    // The same into `out`, which is cleared first (its storage is reused).
+    static void foldInto(std::string_view text, unsigned options, std::string& out);
 
-    // Registers tb_fold(text, options) on the connection: deterministic, NULL for NULL.
+    // Registers tb_fold(text, options) and tb_contains(text, part, options) on the
+    // connection: deterministic, NULL for NULL.
     static bool registerSqlFunction(SqliteDatabase& database);
 };
 
