@@ -107,12 +107,14 @@ void MapperReadings::readStatistics(Item& item, const JSON& json) {
     item.favorites = numberText(stats["favorites"]);
     item.reposts = numberText(stats["reposts"]);
     item.playlists = numberText(stats["playlists"]);
+    // Ranks are read as strings only: the service writes them as text, and a rank that comes
+    // as a number is not one the charts show.
     const JSON rankings = stats["rankings"];
-    item.rankDaily = numberText(rankings["daily"]);
-    item.rankWeekly = numberText(rankings["weekly"]);
-    item.rankMonthly = numberText(rankings["monthly"]);
-    item.rankYearly = numberText(rankings["yearly"]);
-    item.rankAllTime = numberText(rankings["total"]);
+    item.rankDaily = rankings["daily"].string();
+    item.rankWeekly = rankings["weekly"].string();
+    item.rankMonthly = rankings["monthly"].string();
+    item.rankYearly = rankings["yearly"].string();
+    item.rankAllTime = rankings["total"].string();
 }
 
 }  // namespace tb

@@ -33,7 +33,8 @@ class MapperReadings {
 
     // `originalImage` and `smallImage` from "image_base", or both `image` without one.
     static void readSizedImages(Item& item, const JSON& json);
-    // `plays`, `favorites`, `reposts`, `playlists` and the five ranks from "stats".
+    // `plays`, `favorites`, `reposts`, `playlists` (numbers or text) and the five ranks (text
+    // only) from "stats".
     static void readStatistics(Item& item, const JSON& json);
 };
 
