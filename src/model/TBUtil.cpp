@@ -12,21 +12,25 @@ namespace tb {
 
 namespace {
 
-// The decimal text of a single-precision value, in plain notation, cut to `digits` fraction
-// digits and padded with zeros to that many.
+// The decimal text of a single-precision value cut (never rounded up) to `digits` fraction
+// digits, padded with zeros to that many. The cut works on the float's exact binary value,
+// as a number formatter rounding down does: 1170 / 1000 in single precision is
+// 1.1699999570..., so two digits give "1.16". Scaling by 10 or 100 is exact in double
+// precision (24 bits of the float and 7 of the scale fit into 53), so floor() cuts exactly.
 std::string cutFloat(float value, int digits) {
-    char buffer[64];
-    const auto [end, error] =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
-    std::string text = error == std::errc() ? std::string(buffer, end) : std::string("0");
-    std::string whole = text;
-    std::string fraction;
-    if (const auto point = text.find('.'); point != std::string::npos) {
-        whole = text.substr(0, point);
-        fraction = text.substr(point + 1);
+    const std::int64_t scale = digits >= 2 ? 100 : digits == 1 ? 10 : 1;
+    const double scaled = std::floor(static_cast<double>(value) * static_cast<double>(scale));
+    if (!std::isfinite(scaled) || std::fabs(scaled) >= 9e18) {
+        return "0";
     }
-    fraction.resize(static_cast<size_t>(digits), '0');
-    return digits > 0 ? whole + "." + fraction : whole;
+    const auto units = static_cast<std::int64_t>(scaled);
+    const std::string whole = std::to_string(units / scale);
+    if (scale == 1) {
+        return whole;
+    }
+    std::string fraction = std::to_string(units % scale);
+    fraction.insert(0, static_cast<size_t>(digits) - fraction.size(), '0');
+    return whole + "." + fraction;
 }
 
 bool isBlank(char c) {

@@ -56,7 +56,9 @@ TEST(TBUtilTest, ShortStatNumbersAreCutNeverRoundedUp) {
         {1000, "1.00K"},
         {1234, "1.23K"},
         {1239, "1.23K"},
-        {1170, "1.17K"},  // no binary residue may cut a digit too many
+        {1170, "1.16K"},  // the float of 1.17 is 1.1699999..., and it is cut
+        {1250, "1.25K"},  // 1.25 is exact in binary: nothing to lose
+        {2300, "2.29K"},
         {9999, "9.99K"},
         {10000, "10.0K"},
         {99999, "99.9K"},
@@ -64,6 +66,7 @@ TEST(TBUtilTest, ShortStatNumbersAreCutNeverRoundedUp) {
         {999999, "999K"},
         {1000000, "1.00M"},
         {1999999, "1.99M"},
+        {4100000, "4.09M"},
         {12345678, "12.3M"},
         {123456789, "123M"},
         {1000000000, "1.00B"},
