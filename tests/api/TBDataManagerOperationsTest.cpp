@@ -76,6 +76,13 @@ TEST_F(TBDataManagerOperationsTest, PagedListsDropRestrictedMusicAndReturnTheirC
     EXPECT_EQ(outcome.items[1]->uploaderName, "Curator");
     EXPECT_EQ(outcome.pagingToken, "next-token");
     EXPECT_EQ(outcome.response, body);
+
+    // A paging token that is no string is no token.
+    manager().getTrending("rap", 2, itemsInto(outcome), failureInto(outcome));
+    body["paging_token"] = 3;
+    answer(1, 200, body);
+    ASSERT_EQ(outcome.successes, 2);
+    EXPECT_EQ(outcome.pagingToken, std::nullopt);
 }
 
 TEST_F(TBDataManagerOperationsTest, DownloadsAskFiftyOfATypeAndSendATokenOnlyWhenThereIsOne) {
