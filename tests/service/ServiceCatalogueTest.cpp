@@ -96,6 +96,11 @@ TEST_F(ServiceCatalogueTest, OneItemByIdOrSlugsAnswersResultsAsAnObject) {
     auto bySlug = call("GET", "music/" + artist + "/song/" + slug);
     ASSERT_EQ(bySlug.status, 200);
     EXPECT_EQ(bySlug.json["results"]["title"], song.json["results"]["title"]);
+    // The form of shared links: uploader and item slug alone.
+    auto byLink = call("GET", "music/" + artist + "/" + slug);
+    ASSERT_EQ(byLink.status, 200);
+    EXPECT_EQ(byLink.json["results"]["id"], song.json["results"]["id"]);
+    EXPECT_EQ(call("GET", "music/" + artist + "/no-such-song").status, 404);
     EXPECT_EQ(call("GET", "music/album/" + id).status, 404);
     EXPECT_EQ(call("GET", "music/song/999999").status, 404);
 
@@ -103,6 +108,11 @@ TEST_F(ServiceCatalogueTest, OneItemByIdOrSlugsAnswersResultsAsAnObject) {
     ASSERT_EQ(playlist.status, 200);
     EXPECT_FALSE(playlist.json["results"]["tracks"].empty());
     EXPECT_TRUE(playlist.json["results"].contains("artist"));
+    auto playlistByLink = call(
+        "GET", "playlist/" + playlist.json["results"]["artist"]["url_slug"].get<std::string>() +
+                   "/" + playlist.json["results"]["url_slug"].get<std::string>());
+    ASSERT_EQ(playlistByLink.status, 200);
+    EXPECT_EQ(playlistByLink.json["results"]["id"], playlist.json["results"]["id"]);
     // A private playlist stays hidden from others.
     EXPECT_EQ(call("GET", "playlist/70024").status, 404);
 }

@@ -17,7 +17,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr size_t kMaxStatusIds = 5000;
+constexpr size_t kMaxStatusIds = 20000;
 
 void answerMusic(ApiCall& call,
                  ServiceContext& context,
@@ -28,6 +28,16 @@ void answerMusic(ApiCall& call,
         return;
     }
     Reply::json(call.response, {{"results", context.view.musicDetail(*row)}});
+}
+
+void answerLinkedMusic(ApiCall& call, ServiceContext& context) {
+    for (const char* type : {"song", "album"}) {
+        if (auto row = context.music.bySlug(call.capture(0), type, call.capture(1))) {
+            answerMusic(call, context, row, type);
+            return;
+        }
+    }
+    Reply::error(call.response, 404, kNotFound, "This music doesn't exist");
 }
 
 // The ids that are no longer offered: unknown ones and those taken down. Some go back as
@@ -104,6 +114,10 @@ void MusicRoutes::install(ApiRouter& router, ServiceContext& context) {
                        context.music.bySlug(call.capture(0), call.capture(1), call.capture(2)),
                        call.capture(1));
                });
+    // The form that shared links carry: uploader slug, then the song's or album's own slug.
+    // Registered after the typed forms, so that "music/song/123" stays an id.
+    router.add("GET", "music/([a-z0-9-]{1,65})/([a-z0-9-]{1,65})", Access::consumer,
+               [&context](ApiCall& call) { answerLinkedMusic(call, context); });
     router.add("POST", "music/status", Access::consumer,
                [&context](ApiCall& call) { musicStatus(call, context); });
     router.add("GET", "featured", Access::consumer,

@@ -67,18 +67,27 @@ void tagged(ApiCall& call, ServiceContext& context) {
     ListReply::results(call, context.view.playlistList(rows));
 }
 
+void answerPlaylist(ApiCall& call, ServiceContext& context, const std::optional<PlaylistRow>& row) {
+    if (!row || !CatalogueView::visible(*row, call.accountId)) {
+        Reply::error(call.response, 404, kNotFound, "This playlist doesn't exist");
+        return;
+    }
+    Reply::json(call.response, {{"results", context.view.playlist(*row, true)}});
+}
+
 }  // namespace
 
 void PlaylistRoutes::install(ApiRouter& router, ServiceContext& context) {
     router.add("GET", "playlist/(\\d{1,18})", Access::consumer, [&context](ApiCall& call) {
         auto id = IdText::parse(call.capture(0));
-        auto row = id ? context.playlists.byId(*id) : std::nullopt;
-        if (!row || !CatalogueView::visible(*row, call.accountId)) {
-            Reply::error(call.response, 404, kNotFound, "This playlist doesn't exist");
-            return;
-        }
-        Reply::json(call.response, {{"results", context.view.playlist(*row, true)}});
+        answerPlaylist(call, context, id ? context.playlists.byId(*id) : std::nullopt);
     });
+    // Shared links name a playlist by its owner's slug and its own.
+    router.add("GET", "playlist/([a-z0-9-]{1,65})/([a-z0-9-]{1,65})", Access::consumer,
+               [&context](ApiCall& call) {
+                   answerPlaylist(call, context,
+                                  context.playlists.bySlug(call.capture(0), call.capture(1)));
+               });
     router.add("GET", "playlist/trending", Access::consumer, [&context](ApiCall& call) {
         int offset = 0;
         if (!ListReply::readPage(call, offset)) {

@@ -14,6 +14,15 @@ std::optional<PlaylistRow> PlaylistStore::byId(int64_t id) {
     return rows.front();
 }
 
+std::optional<PlaylistRow> PlaylistStore::bySlug(const std::string& ownerSlug,
+                                                 const std::string& slug) {
+    auto rows = find("o.slug = ? AND p.slug = ?", {ownerSlug, slug}, 0, 1);
+    if (rows.empty()) {
+        return std::nullopt;
+    }
+    return rows.front();
+}
+
 std::vector<PlaylistRow> PlaylistStore::find(const std::string& whereAndOrder,
                                              const SqlValues& values,
                                              int offset,

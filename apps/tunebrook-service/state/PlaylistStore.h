@@ -19,6 +19,7 @@ class PlaylistStore {
     explicit PlaylistStore(Database& db) : db_(db) {}
 
     std::optional<PlaylistRow> byId(int64_t id);
+    std::optional<PlaylistRow> bySlug(const std::string& ownerSlug, const std::string& slug);
     std::vector<PlaylistRow> find(const std::string& whereAndOrder,
                                   const SqlValues& values,
                                   int offset,
