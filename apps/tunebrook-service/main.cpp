@@ -11,6 +11,7 @@
 #include <pthread.h>
 
 #include "tunebrook-service/Service.h"
+#include "tunebrook-service/core/ProcessRunner.h"
 
 namespace {
 
@@ -63,29 +64,36 @@ int main(int argc, char** argv) {
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
     tb::service::Service service(std::move(options));
-    std::string error;
-    if (!service.start(error)) {
-        std::fprintf(stderr, "tunebrook-service: %s\n", error.c_str());
-        return 1;
-    }
-    std::printf("%s\n", service.baseUrl().c_str());
-    std::fflush(stdout);
-
+    // The waiter is up before the first start's media work, so that a stop during it ends the
+    // ffmpeg children and the start instead of waiting for them.
     std::atomic<bool> served{false};
     std::thread waiter([&] {
         int signal = 0;
         sigwait(&signals, &signal);
+        tb::service::ProcessRunner::interruptAll();
         // A signal that arrives while the server is still starting must stop it too.
         while (!served) {
             service.stop();
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         }
     });
+    // Wakes the waiter when the process ends for another reason than a signal.
+    auto endWaiter = [&] {
+        served = true;
+        pthread_kill(waiter.native_handle(), SIGTERM);
+        waiter.join();
+    };
+
+    std::string error;
+    if (!service.start(error)) {
+        std::fprintf(stderr, "tunebrook-service: %s\n", error.c_str());
+        endWaiter();
+        return 1;
+    }
+    std::printf("%s\n", service.baseUrl().c_str());
+    std::fflush(stdout);
     service.run();
-    served = true;
-    // Wake the waiter if the server ended for another reason.
-    pthread_kill(waiter.native_handle(), SIGTERM);
-    waiter.join();
+    endWaiter();
     std::fprintf(stderr, "tunebrook-service: stopped\n");
     return 0;
 }

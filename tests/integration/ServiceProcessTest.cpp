@@ -1,8 +1,16 @@
+#include <chrono>
+#include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <sstream>
+#include <thread>
 
+#include <fcntl.h>
 #include <httplib.h>
 #include <nlohmann/json.hpp>
+#include <spawn.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include "core/TunebrookKeys.h"
 #include "support/ServiceProcess.h"
@@ -174,6 +182,71 @@ TEST(ServiceProcessArgumentsTest, ABadFaultSpecStopsTheStart) {
                             {"--media", "placeholder", "--fault", "featured=explode"});
     EXPECT_FALSE(badFault.started());
     EXPECT_NE(badFault.terminate(), 0);
+}
+
+// Processes other than `self` whose command line mentions `text`.
+std::vector<pid_t> processesMentioning(const std::string& text, pid_t self) {
+    std::vector<pid_t> found;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        std::string name = entry.path().filename();
+        if (name.find_first_not_of("0123456789") != std::string::npos) {
+            continue;
+        }
+        std::ifstream in(entry.path() / "cmdline", std::ios::binary);
+        std::stringstream line;
+        line << in.rdbuf();
+        pid_t pid = std::stoi(name);
+        if (pid != self && line.str().find(text) != std::string::npos) {
+            found.push_back(pid);
+        }
+    }
+    return found;
+}
+
+template <typename Condition>
+bool waitFor(Condition condition, std::chrono::seconds limit) {
+    auto end = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    return true;
+}
+
+TEST(ServiceProcessArgumentsTest, AStopWhileTheFirstStartMakesAudioEndsItAndItsFfmpegChildren) {
+    TempDir dir;
+    std::string data = dir.file("data");
+    std::vector<std::string> args = {TB_SERVICE_BINARY, "--data", data, "--media", "synthesize"};
+    std::vector<char*> argv;
+    for (auto& arg : args) {
+        argv.push_back(arg.data());
+    }
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    ASSERT_EQ(posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ), 0);
+    posix_spawn_file_actions_destroy(&actions);
+
+    bool making = waitFor([&] { return !processesMentioning(data + "/", pid).empty(); },
+                          std::chrono::seconds(60));
+    kill(pid, SIGTERM);
+    int status = 0;
+    bool ended =
+        waitFor([&] { return waitpid(pid, &status, WNOHANG) == pid; }, std::chrono::seconds(10));
+    if (!ended) {
+        kill(pid, SIGKILL);
+        waitpid(pid, &status, 0);
+    }
+    ASSERT_TRUE(making) << "no ffmpeg child was seen making the audio";
+    EXPECT_TRUE(ended) << "the service went on with its first start after SIGTERM";
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 0);
+    EXPECT_TRUE(waitFor([&] { return processesMentioning(data + "/", pid).empty(); },
+                        std::chrono::seconds(10)));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "tunebrook-service/core/ProcessRunner.h"
 
+#include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <map>
 #include <sstream>
@@ -14,6 +16,8 @@ extern char** environ;
 namespace tb::service {
 
 namespace {
+
+std::atomic<bool> interrupted{false};
 
 pid_t spawn(const std::vector<std::string>& command) {
     if (command.empty()) {
@@ -30,8 +34,22 @@ pid_t spawn(const std::vector<std::string>& command) {
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    // The service blocks its stop signals in every thread; a child must not inherit that, or
+    // it could not be stopped.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigemptyset(&none);
+    sigset_t stops;
+    sigemptyset(&stops);
+    sigaddset(&stops, SIGINT);
+    sigaddset(&stops, SIGTERM);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setsigdefault(&attributes, &stops);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     pid_t pid = -1;
-    int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    int rc = posix_spawnp(&pid, argv[0], &actions, &attributes, argv.data(), environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return rc == 0 ? pid : -1;
 }
@@ -51,6 +69,14 @@ std::vector<size_t> ProcessRunner::runAll(const std::vector<std::vector<std::str
         parallel = 1;
     }
     while (next < commands.size() || !running.empty()) {
+        if (interrupted) {
+            for (const auto& [pid, index] : running) {
+                kill(pid, SIGTERM);
+            }
+            for (; next < commands.size(); ++next) {
+                failed.push_back(next);
+            }
+        }
         while (next < commands.size() && running.size() < parallel) {
             pid_t pid = spawn(commands[next]);
             if (pid < 0) {
@@ -83,6 +109,10 @@ std::vector<size_t> ProcessRunner::runAll(const std::vector<std::vector<std::str
         }
     }
     return failed;
+}
+
+void ProcessRunner::interruptAll() {
+    interrupted = true;
 }
 
 bool ProcessRunner::run(const std::vector<std::string>& command) {

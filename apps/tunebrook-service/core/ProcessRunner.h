@@ -14,6 +14,9 @@ class ProcessRunner {
     static std::vector<size_t> runAll(const std::vector<std::vector<std::string>>& commands,
                                       size_t parallel);
     static bool run(const std::vector<std::string>& command);
+    // Ends the children of every runAll under way (and of any later one) and makes them count
+    // as failed. Safe to call from any thread.
+    static void interruptAll();
     // True when `program` is found on PATH.
     static bool available(const std::string& program);
 };
