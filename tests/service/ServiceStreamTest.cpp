@@ -98,6 +98,15 @@ TEST_F(ServiceStreamTest, APlayCountsOncePerSessionAndSongAndOnlyWithASession) {
     streamPath(id, {{"session", "device-2"}, {"section", ""}});
     streamPath(playableSongId(1), {{"session", "device-1"}, {"section", ""}});
     EXPECT_EQ(countedPlays(), 3);
+
+    // Listening again later is a new play; within the window it is the same one.
+    ASSERT_LT(service().context().music.byId(std::stoll(id))->duration, 300);
+    advanceClock(200);
+    streamPath(id, {{"session", "device-1"}, {"section", "Browse"}});
+    EXPECT_EQ(countedPlays(), 3);
+    advanceClock(101);
+    streamPath(id, {{"session", "device-1"}, {"section", "Browse"}});
+    EXPECT_EQ(countedPlays(), 4);
 }
 
 TEST_F(ServiceStreamTest, TheThirtySecondReportIsRecordedApart) {

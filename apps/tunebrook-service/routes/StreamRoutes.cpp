@@ -1,5 +1,7 @@
 #include "tunebrook-service/routes/StreamRoutes.h"
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "tunebrook-service/ServiceContext.h"
@@ -14,6 +16,10 @@ namespace tb::service {
 using nlohmann::json;
 
 namespace {
+
+// A device's play of a song counts again once this long (or the song's length, when longer)
+// has passed since its last counted play.
+constexpr double kMinReplaySeconds = 300;
 
 json optionalText(const std::optional<std::string>& value) {
     return value ? json(*value) : json();
@@ -82,7 +88,8 @@ void play(ApiCall& call, ServiceContext& context) {
         return;
     }
     auto session = call.param("session");
-    bool counted = session && context.music.countPlay(song->id, &*session, call.now);
+    double replayAfter = std::max<double>(static_cast<double>(song->duration), kMinReplaySeconds);
+    bool counted = session && context.music.countPlay(song->id, &*session, call.now, replayAfter);
     context.events.record("play", call.accountId,
                           {{"music_id", std::to_string(song->id)},
                            {"session", optionalText(session)},

@@ -84,13 +84,16 @@ int64_t MusicStore::rank(const MusicRow& row, const std::string& period) {
     return statement.step() ? statement.int64(0) : 0;
 }
 
-bool MusicStore::countPlay(int64_t id, const std::string* session, double now) {
+bool MusicStore::countPlay(int64_t id, const std::string* session, double now, double replayAfter) {
     std::lock_guard lock(db_.mutex());
     if (session) {
+        // One count per device and song while the song could still be the same listening;
+        // a play after that window is a new one.
         db_.prepare(
-               "INSERT OR IGNORE INTO play_sessions(session, music_id, created) "
-               "VALUES(?, ?, ?)")
-            .with(*session, id, now)
+               "INSERT INTO play_sessions(session, music_id, created) VALUES(?, ?, ?) "
+               "ON CONFLICT(session, music_id) DO UPDATE SET created = excluded.created "
+               "WHERE play_sessions.created <= excluded.created - ?")
+            .with(*session, id, now, replayAfter)
             .run();
         if (db_.changes() == 0) {
             return false;

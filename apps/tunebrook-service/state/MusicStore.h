@@ -36,7 +36,9 @@ class MusicStore {
 
     // Counts a play for every period; with a session, only the first play of a song per
     // session counts. Returns whether this one counted.
-    bool countPlay(int64_t id, const std::string* session, double now);
+    // Counts a play of `id`; with a session, only when that session's last counted play of it
+    // is at least `replayAfter` seconds old.
+    bool countPlay(int64_t id, const std::string* session, double now, double replayAfter);
     bool setStatus(int64_t id, const std::string& status, std::optional<bool> geoRestricted);
     void addToCounter(int64_t id, const std::string& counter, int delta);
 
