@@ -185,8 +185,6 @@ bool Service::prepareCatalogue(std::string& error) {
         if (!CatalogueGenerator(*db_, seed_, anchor, options_.progress).generate(plan, error)) {
             return false;
         }
-        meta.set("catalogue_anchor", std::to_string(static_cast<int64_t>(anchor)));
-        meta.set("catalogue_seed", std::to_string(seed_));
     }
     MediaGenerator media(options_.dataDir, options_.mediaCache, options_.media, options_.progress);
     return media.ensure(MediaPlan::fromSeed(seed_), seed_, error);

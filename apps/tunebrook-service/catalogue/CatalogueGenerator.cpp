@@ -13,6 +13,7 @@
 #include "tunebrook-service/core/SeededRandom.h"
 #include "tunebrook-service/core/Statement.h"
 #include "tunebrook-service/media/MediaPlan.h"
+#include "tunebrook-service/state/MetaStore.h"
 #include "tunebrook-service/state/MusicRow.h"
 
 namespace tb::service {
@@ -87,6 +88,11 @@ bool CatalogueGenerator::generate(const MediaPlan& plan, std::string& error) {
     PlaylistGenerator(db_, seed_, anchor_).generate(plan, made);
     SocialGenerator(db_, seed_, anchor_).generate(made);
     recordMedia(plan);
+    // The marker goes in the same transaction, so that a start killed half way makes the
+    // whole catalogue again rather than keeping part of one.
+    MetaStore meta(db_);
+    meta.set("catalogue_anchor", std::to_string(static_cast<int64_t>(anchor_)));
+    meta.set("catalogue_seed", std::to_string(seed_));
     if (!transaction.commit()) {
         error = "the catalogue could not be written";
         return false;
