@@ -18,7 +18,8 @@ namespace {
 
 constexpr int kDefaultLimit = 50;
 constexpr int kMaxLimit = 100;
-constexpr size_t kMaxIds = 1000;
+// A device reports its whole library at once; the body limit bounds it before this does.
+constexpr size_t kMaxIds = 20000;
 
 void list(ApiCall& call, ServiceContext& context) {
     int limit = kDefaultLimit;
@@ -83,11 +84,14 @@ void add(ApiCall& call, ServiceContext& context) {
 
 void remove(ApiCall& call, ServiceContext& context) {
     auto id = IdText::parse(call.capture(0));
-    if (!id || !context.library.removeDownload(*call.accountId, *id)) {
+    if (!id) {
         Reply::error(call.response, 404, kNotFound, "Not in the downloads");
         return;
     }
-    context.events.record("download_removed", call.accountId, {{"id", call.capture(0)}}, call.now);
+    // Removing what is already gone succeeds: the list is as the listener asked either way.
+    bool removed = context.library.removeDownload(*call.accountId, *id);
+    context.events.record("download_removed", call.accountId,
+                          {{"id", call.capture(0)}, {"was_listed", removed}}, call.now);
     Reply::json(call.response, {{"results", true}});
 }
 
