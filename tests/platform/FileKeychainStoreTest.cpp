@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 
 #include <sys/stat.h>
@@ -115,17 +116,36 @@ class ScopedEnvironment {
     std::optional<std::string> old_;
 };
 
-TEST_F(FileKeychainStoreTest, WithoutASessionBusTheFileStoreIsPickedAndSaysSo) {
+TEST_F(FileKeychainStoreTest, WithoutASessionBusTheFilesArePickedKeptAndSaidSo) {
     ScopedEnvironment noBus("DBUS_SESSION_BUS_ADDRESS", nullptr);
+    const auto paths = Paths::underHome(home.path());
     std::string logged;
     auto previous = setLogSink([&](std::string_view line) { logged += std::string(line) + "\n"; });
-    auto store = makeKeychainStore(kValet, Paths::underHome(home.path()), errors);
+    auto stores = makeKeychainStores(kValet, kOlder, paths, errors);
     setLogSink(previous);
 
-    ASSERT_NE(dynamic_cast<FileKeychainStore*>(store.get()), nullptr);
+    ASSERT_NE(dynamic_cast<FileKeychainStore*>(stores.current.get()), nullptr);
+    ASSERT_NE(dynamic_cast<FileKeychainStore*>(stores.older.get()), nullptr);
     EXPECT_NE(logged.find(kValet), std::string::npos);
     EXPECT_NE(logged.find("file"), std::string::npos);
-    EXPECT_TRUE(store->setData("crashReportingSDKPicked", "{\"value\":true}"));
+    EXPECT_TRUE(stores.current->setData("crashReportingSDKPicked", "{\"value\":true}"));
+    EXPECT_EQ(test::readFileText(paths.support + "/keychain/backend"), "file\n");
+}
+
+// A home whose keychain is in the desktop's Secret Service, started from a session without
+// the desktop's bus: nothing may start a second keychain that the next desktop run ignores.
+TEST_F(FileKeychainStoreTest, AKeychainKeptInTheSecretServiceIsNeverForkedIntoFiles) {
+    ScopedEnvironment noBus("DBUS_SESSION_BUS_ADDRESS", nullptr);
+    const auto paths = Paths::underHome(home.path());
+    fs::create_directories(paths.support + "/keychain");
+    std::ofstream(paths.support + "/keychain/backend") << "secret-service\n";
+
+    auto stores = makeKeychainStores(kValet, kOlder, paths, errors);
+    ASSERT_NE(stores.current, nullptr);
+    EXPECT_EQ(dynamic_cast<FileKeychainStore*>(stores.current.get()), nullptr);
+    EXPECT_TRUE(stores.current->setData("crashReportingSDKPicked", "{\"value\":true}"));
+    EXPECT_FALSE(fs::exists(FileKeychainStore::pathFor(kValet, paths.support)));
+    EXPECT_EQ(test::readFileText(paths.support + "/keychain/backend"), "secret-service\n");
 }
 
 }  // namespace

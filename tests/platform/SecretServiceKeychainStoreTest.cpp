@@ -1,11 +1,14 @@
 #include <chrono>
+#include <filesystem>
 #include <memory>
 
 #include "KeychainStoreContract.h"
 #include "platform/Log.h"
 #include "platform/Paths.h"
+#include "platform/linux/FileKeychainStore.h"
 #include "platform/linux/MakeKeychainStore.h"
 #include "platform/linux/SecretServiceKeychainStore.h"
+#include "support/FileContents.h"
 #include "support/PrivateSessionBus.h"
 #include "support/Recorders.h"
 #include "support/TempDir.h"
@@ -61,16 +64,35 @@ TEST_F(SecretServiceKeychainStoreTest, IdentitiesDoNotSeeEachOthersEntries) {
     EXPECT_EQ(olderKeys, std::vector<std::string>{"userId"});
 }
 
-TEST_F(SecretServiceKeychainStoreTest, TheFactoryPicksTheSecretServiceWhenItWorks) {
+TEST_F(SecretServiceKeychainStoreTest, TheFactoryPicksTheSecretServiceForANewHomeAndKeepsThePick) {
     test::TempDir home;
+    const auto paths = Paths::underHome(home.path());
     test::RecordingErrorReporter errors;
     std::string logged;
     auto previous = setLogSink([&](std::string_view line) { logged += std::string(line) + "\n"; });
-    auto store = makeKeychainStore(kValet, Paths::underHome(home.path()), errors);
+    auto stores = makeKeychainStores(kValet, kOlder, paths, errors);
     setLogSink(previous);
 
-    EXPECT_NE(dynamic_cast<SecretServiceKeychainStore*>(store.get()), nullptr) << logged;
+    EXPECT_NE(dynamic_cast<SecretServiceKeychainStore*>(stores.current.get()), nullptr) << logged;
+    EXPECT_NE(dynamic_cast<SecretServiceKeychainStore*>(stores.older.get()), nullptr);
     EXPECT_NE(logged.find("Secret Service"), std::string::npos);
+    EXPECT_EQ(test::readFileText(paths.support + "/keychain/backend"), "secret-service\n");
+}
+
+TEST_F(SecretServiceKeychainStoreTest, AHomeThatBeganWithFilesKeepsThemWhenTheServiceAppears) {
+    test::TempDir home;
+    const auto paths = Paths::underHome(home.path());
+    ASSERT_TRUE(paths.createAll());
+    test::RecordingErrorReporter errors;
+    ASSERT_TRUE(FileKeychainStore(kValet, paths.support, errors).setData("userId", "7"));
+
+    auto stores = makeKeychainStores(kValet, kOlder, paths, errors);
+    ASSERT_NE(dynamic_cast<FileKeychainStore*>(stores.current.get()), nullptr);
+    EXPECT_EQ(stores.current->dataForKey("userId"), "7");
+    // Once noted, the pick holds even when the files are gone.
+    std::filesystem::remove(FileKeychainStore::pathFor(kValet, paths.support));
+    auto again = makeKeychainStores(kValet, kOlder, paths, errors);
+    EXPECT_NE(dynamic_cast<FileKeychainStore*>(again.current.get()), nullptr);
 }
 
 // Runs last in the suite (gtest keeps the order of declaration): it locks the keyring. Nothing may

@@ -6,8 +6,8 @@
 #include "platform/Base64.h"
 #include "platform/Log.h"
 #include "platform/Utf8.h"
-#include "platform/linux/SafeFileName.h"
 #include "platform/linux/AtomicFile.h"
+#include "platform/linux/SafeFileName.h"
 
 namespace tb {
 
@@ -21,11 +21,19 @@ FileKeychainStore::FileKeychainStore(const std::string& identity,
                                      const std::string& supportFolder,
                                      ErrorReporter& errors)
     : identity_(identity) {
-    const std::string folder = supportFolder + "/keychain";
     // An existing folder keeps its mode; a new one is the user's alone.
-    ::mkdir(folder.c_str(), 0700);
-    path_ = folder + "/" + safeFileStem(identity) + ".json";
+    ::mkdir(folderIn(supportFolder).c_str(), 0700);
+    path_ = pathFor(identity, supportFolder);
     load(errors);
+}
+
+std::string FileKeychainStore::folderIn(const std::string& supportFolder) {
+    return supportFolder + "/keychain";
+}
+
+std::string FileKeychainStore::pathFor(const std::string& identity,
+                                       const std::string& supportFolder) {
+    return folderIn(supportFolder) + "/" + safeFileStem(identity) + ".json";
 }
 
 std::optional<std::string> FileKeychainStore::dataForKey(const std::string& key) {

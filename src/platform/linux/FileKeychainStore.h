@@ -27,6 +27,9 @@ class FileKeychainStore final : public KeychainStore {
     std::vector<std::string> allKeys() override;
 
     const std::string& path() const { return path_; }
+    // The folder of the keychain files, and the file of one identity in it.
+    static std::string folderIn(const std::string& supportFolder);
+    static std::string pathFor(const std::string& identity, const std::string& supportFolder);
 
   private:
     void load(ErrorReporter& errors);

@@ -67,8 +67,10 @@ LinuxPlatform::LinuxPlatform(LinuxPlatformOptions options) : options_(std::move(
             std::make_unique<FileKeychainStore>(kOlderKeychainIdentity, paths.support, *errors_);
         logLine("[Keychain] file keychain only, under " + paths.support + "/keychain");
     } else {
-        keychain_ = makeKeychainStore(kKeychainIdentity, paths, *errors_);
-        olderKeychain_ = makeKeychainStore(kOlderKeychainIdentity, paths, *errors_);
+        auto stores =
+            makeKeychainStores(kKeychainIdentity, kOlderKeychainIdentity, paths, *errors_);
+        keychain_ = std::move(stores.current);
+        olderKeychain_ = std::move(stores.older);
     }
     http_ = std::make_unique<CurlHttpTransport>(*runLoop_);
     if (const auto host = hostAndPortOfURL(options_.serviceBaseURL)) {
