@@ -176,8 +176,6 @@ TEST_F(FileUserDefaultsTest, BrokenFilesAreSetAsideReportedAndTheSuiteStartsEmpt
     const std::vector<Case> cases = {
         {"garbage", "{\"liveEnvironment\": \"1\", trailing garbage"},
         {"not an object", "[1, 2, 3]"},
-        {"null value", "{\"a\": null}"},
-        {"bad tag", "{\"a\": {\"$data\": \"***\"}}"},
         {"deep", std::string(10000, '[') + std::string(10000, ']')},
         {"empty file", ""},
     };
@@ -201,6 +199,24 @@ TEST_F(FileUserDefaultsTest, BrokenFilesAreSetAsideReportedAndTheSuiteStartsEmpt
         suite.setString("fresh", "start");
         EXPECT_TRUE(suite.synchronize());
     }
+}
+
+TEST_F(FileUserDefaultsTest, AnUnreadableValueCostsThatValueAndNotTheSuite) {
+    const std::string contents =
+        "{\"firstLaunch\": \"1\", \"a\": null, \"b\": {\"$data\": \"***\"}, \"n\": 3}";
+    auto provider = openProvider();
+    const std::string file = provider->pathForSuite("kept");
+    ASSERT_TRUE(writeFileText(file, contents));
+
+    auto& suite = provider->suite("kept");
+    EXPECT_EQ(suite.stringForKey("firstLaunch"), "1");
+    EXPECT_EQ(suite.integerForKey("n"), 3);
+    EXPECT_FALSE(suite.objectForKey("a"));
+    EXPECT_FALSE(suite.objectForKey("b"));
+    ASSERT_EQ(errors.records.size(), 1u);
+    EXPECT_EQ(errors.records[0].error.domain, "UserDefaults");
+    EXPECT_NE(errors.records[0].error.userInfo.at("reason").find("a, b"), std::string::npos);
+    EXPECT_EQ(readFileText(errors.records[0].error.userInfo.at("copiedTo")), contents);
 }
 
 TEST_F(FileUserDefaultsTest, AnUnreadableFileIsSetAsideToo) {

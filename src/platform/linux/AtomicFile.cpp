@@ -125,17 +125,44 @@ FileRead readWholeFile(const std::string& path, std::string& contents, std::stri
     return FileRead::Read;
 }
 
+namespace {
+
+// "<path>.corrupt-<time>", with a number after it when that name is taken: two broken files
+// within one second keep both.
+std::string asidePathFor(const std::string& path) {
+    const std::string stamp = std::to_string(static_cast<long long>(std::time(nullptr)));
+    std::string aside = path + ".corrupt-" + stamp;
+    for (int n = 1; ::access(aside.c_str(), F_OK) == 0; ++n) {
+        aside = path + ".corrupt-" + stamp + "-" + std::to_string(n);
+    }
+    return aside;
+}
+
+}  // namespace
+
+void keepCopyAside(const std::string& path,
+                   ErrorReporter& errors,
+                   const std::string& domain,
+                   std::int64_t code,
+                   const std::string& reason) {
+    const std::string aside = asidePathFor(path);
+    ErrorInfo info{{"path", path}, {"reason", reason}};
+    std::string contents;
+    if (readWholeFile(path, contents, nullptr) == FileRead::Read &&
+        writeFileAtomically(aside, contents, 0600)) {
+        info["copiedTo"] = aside;
+    }
+    errors.recordError(
+        Error{domain, code, "part of a state file could not be read and was dropped", info});
+    logLine("[" + domain + "] dropped part of " + path + " (" + reason + ")");
+}
+
 void setBrokenFileAside(const std::string& path,
                         ErrorReporter& errors,
                         const std::string& domain,
                         std::int64_t code,
                         const std::string& reason) {
-    const std::string stamp = std::to_string(static_cast<long long>(std::time(nullptr)));
-    std::string aside = path + ".corrupt-" + stamp;
-    // Two broken files within one second keep both.
-    for (int n = 1; ::access(aside.c_str(), F_OK) == 0; ++n) {
-        aside = path + ".corrupt-" + stamp + "-" + std::to_string(n);
-    }
+    const std::string aside = asidePathFor(path);
     ErrorInfo info{{"path", path}, {"reason", reason}};
     if (::rename(path.c_str(), aside.c_str()) == 0) {
         info["movedTo"] = aside;

@@ -38,6 +38,14 @@ FileRead readWholeFile(const std::string& path, std::string& contents, std::stri
 inline constexpr std::int64_t kFileUnreadable = 256;
 inline constexpr std::int64_t kFileCorrupt = 259;
 
+// Copies a state file that could be read only in part to "<path>.corrupt-<seconds since
+// 1970>" and reports it in `domain` ("path", "copiedTo", "reason"); the file itself stays.
+void keepCopyAside(const std::string& path,
+                   ErrorReporter& errors,
+                   const std::string& domain,
+                   std::int64_t code,
+                   const std::string& reason);
+
 // Moves a broken state file out of the way, to "<path>.corrupt-<seconds since 1970>", keeping
 // it for a developer to look at, and reports it in `domain` with the path ("path", "movedTo",
 // "reason" in the user info). The owner then starts empty rather than stopping the app.

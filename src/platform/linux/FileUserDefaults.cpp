@@ -4,8 +4,8 @@
 
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
-#include "platform/linux/DefaultsJson.h"
 #include "platform/linux/AtomicFile.h"
+#include "platform/linux/DefaultsJson.h"
 
 namespace tb {
 
@@ -68,16 +68,22 @@ void FileUserDefaults::load() {
         return;
     }
     std::map<std::string, DefaultsValue> loaded;
+    std::string unreadable;
     for (const auto& [key, item] : document->items()) {
         auto value = defaultsValueFromJson(item);
         if (!value) {
-            setBrokenFileAside(path_, errors_, "UserDefaults", kFileCorrupt,
-                               "unreadable value under \"" + key + "\"");
-            return;
+            unreadable += (unreadable.empty() ? "" : ", ") + key;
+            continue;
         }
         loaded.emplace(key, std::move(*value));
     }
     values_ = std::move(loaded);
+    // One value that can't be read costs that value, not the suite: the others (the install
+    // marker among them) stay, and the file as it was is copied aside for whoever looks.
+    if (!unreadable.empty()) {
+        keepCopyAside(path_, errors_, "UserDefaults", kFileCorrupt,
+                      "unreadable values under " + unreadable);
+    }
 }
 
 void FileUserDefaults::changed() {
