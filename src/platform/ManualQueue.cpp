@@ -42,8 +42,13 @@ void ManualQueue::advanceBy(double seconds) {
     const std::int64_t target = nowNanos_ + (seconds > 0.0 ? toNanos(seconds) : 0);
     while (runNextDueBy(target)) {
     }
-    const std::int64_t rest = target - nowNanos_;
-    nowNanos_ = target;
+    std::int64_t rest = 0;
+    {
+        // Other threads read the time under the lock when they post.
+        std::lock_guard lock(mutex_);
+        rest = target - nowNanos_;
+        nowNanos_ = target;
+    }
     clock_.advance(static_cast<double>(rest) / 1e9);
 }
 

@@ -38,21 +38,15 @@ bool RunLoop::isCurrent() const {
     return std::this_thread::get_id() == mainThread_;
 }
 
+// A quit() asked for before run() or runUntil() is kept and ends them at once; runOne()
+// clears it when it acts on it.
 void RunLoop::run() {
-    {
-        std::lock_guard lock(mutex_);
-        quitRequested_ = false;
-    }
     while (runOne(-1.0)) {
     }
 }
 
 bool RunLoop::runUntil(const std::function<bool()>& done, double timeoutSeconds) {
     const double deadline = steadySeconds() + timeoutSeconds;
-    {
-        std::lock_guard lock(mutex_);
-        quitRequested_ = false;
-    }
     while (!done()) {
         if (steadySeconds() >= deadline || !runOne(deadline)) {
             break;
