@@ -1,5 +1,7 @@
 #include "SignalWatcher.h"
 
+#include <cstdlib>
+
 #include <pthread.h>
 
 namespace tb {
@@ -26,9 +28,17 @@ SignalWatcher::~SignalWatcher() {
 
 void SignalWatcher::watch() {
     int signal = 0;
-    if (sigwait(&signals_, &signal) == 0 && signal != kStopSignal) {
-        onSignal_(signal);
+    if (sigwait(&signals_, &signal) != 0 || signal == kStopSignal) {
+        return;
     }
+    onSignal_(signal);
+    // A second signal means the clean stop is taking too long for whoever sent it: the
+    // process ends as the signal would have ended it. State is written as it changes, so
+    // nothing is lost that a kill would not lose.
+    if (sigwait(&signals_, &signal) != 0 || signal == kStopSignal) {
+        return;
+    }
+    std::_Exit(128 + signal);
 }
 
 }  // namespace tb

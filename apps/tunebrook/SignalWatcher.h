@@ -13,7 +13,8 @@ namespace tb {
 // for the whole process (threads inherit the mask) and waits for them with sigwait.
 class SignalWatcher {
   public:
-    // `onSignal` runs on the watcher's thread with the signal's number, at most once.
+    // `onSignal` runs on the watcher's thread with the signal's number, at most once; a second
+    // SIGINT or SIGTERM ends the process at once with 128 + the signal's number.
     explicit SignalWatcher(std::function<void(int signal)> onSignal);
     ~SignalWatcher();
     SignalWatcher(const SignalWatcher&) = delete;
