@@ -52,7 +52,7 @@ struct AppOptions {
 // Contexts nest: the newest one alive is current, and destroying it makes the previous one
 // current again.
 class AppContext {
-public:
+  public:
     AppContext(AppPorts ports, AppOptions options);
     ~AppContext();
     AppContext(const AppContext&) = delete;
@@ -97,7 +97,7 @@ public:
         return findSingleton(typeid(T)) != nullptr;
     }
 
-private:
+  private:
     void* findSingleton(const std::type_info& type) const;
 
     AppPorts ports_;

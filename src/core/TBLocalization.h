@@ -9,11 +9,12 @@ namespace tb {
 // resources/strings/en.json and are compiled in. A key without a text answers with the key
 // itself, as the platform does, and a test keeps every key the code uses in the table.
 class TBLocalization {
-public:
+  public:
     static std::string localizedString(const std::string& key);
 
     // The text of `key` with each "%@" (in order) replaced by the next argument.
-    static std::string localizedFormat(const std::string& key, const std::vector<std::string>& arguments);
+    static std::string localizedFormat(const std::string& key,
+                                       const std::vector<std::string>& arguments);
 
     static bool hasText(const std::string& key);
 };

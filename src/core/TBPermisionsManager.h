@@ -13,7 +13,7 @@ class UserDefaults;
 // are kept in the standard user defaults ("permissionsAnswer", "permissionsAnswerDate");
 // after "later" the prompt comes back once seven days have passed, after "yes" never.
 //
-// Linux has no push service: push counts as granted only when the command line says so.
+// Linux has no push service, so push is never granted here; the launch reports it as such.
 class TBPermisionsManager {
   public:
     enum class Answer { yes, later };
