@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 
 #include <httplib.h>
@@ -34,6 +35,7 @@
 #include "tunebrook-service/routes/StreamRoutes.h"
 #include "tunebrook-service/routes/UserRoutes.h"
 #include "tunebrook-service/state/DemoAccount.h"
+#include "tunebrook-service/state/MetaStore.h"
 #include "tunebrook-service/state/Schema.h"
 
 namespace tb::service {
@@ -193,19 +195,42 @@ bool Service::prepareCatalogue(std::string& error) {
 bool Service::bind(std::string& error) {
     server_ = std::make_unique<httplib::Server>();
     configureServer();
-    port_ = options_.port == 0
-                ? server_->bind_to_any_port("127.0.0.1")
-                : (server_->bind_to_port("127.0.0.1", options_.port) ? options_.port : -1);
+    MetaStore meta(*db_);
+    port_ = options_.port != 0 ? bindTo(options_.port) : -1;
+    if (options_.port == 0) {
+        // The port of the last run where it is free, so that the addresses a client kept
+        // (artwork, paging) still lead here after a restart.
+        auto last = meta.get("last_port");
+        port_ = last ? bindTo(std::atoi(last->c_str())) : -1;
+        if (port_ <= 0) {
+            port_ = server_->bind_to_any_port("127.0.0.1");
+        }
+    }
     if (port_ <= 0) {
         error = "cannot listen on 127.0.0.1:" + std::to_string(options_.port);
         return false;
     }
+    meta.set("last_port", std::to_string(port_));
     origin_ = "http://127.0.0.1:" + std::to_string(port_);
     baseUrl_ = origin_ + ApiRouter::kBasePath;
     return true;
 }
 
+int Service::bindTo(int port) {
+    if (port <= 0 || port > 65535) {
+        return -1;
+    }
+    return server_->bind_to_port("127.0.0.1", port) ? port : -1;
+}
+
 void Service::configureServer() {
+    // The library's default also sets SO_REUSEPORT, which would let a second service bind a
+    // port this one listens on and take half of its connections. Address reuse alone still
+    // allows a restart while old connections linger.
+    server_->set_socket_options([](socket_t sock) {
+        int yes = 1;
+        setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+    });
     server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkerThreads); };
     server_->set_payload_max_length(kMaxBody);
     server_->set_read_timeout(30);

@@ -46,6 +46,8 @@ class Service {
     bool prepareStore(std::string& error);
     bool prepareCatalogue(std::string& error);
     bool bind(std::string& error);
+    // Binds 127.0.0.1:`port`; the port, or -1 when it is taken.
+    int bindTo(int port);
     void installRoutes();
     void configureServer();
 

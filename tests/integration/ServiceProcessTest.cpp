@@ -129,11 +129,13 @@ TEST_F(ServiceProcessTest, RefusesUnsignedCallsAndServesSignedOnesWithRealAudio)
 TEST_F(ServiceProcessTest, KeepsAccountsDownloadsAndKeysAcrossAKill) {
     std::string consumerKey;
     std::string songId;
+    int port = 0;
     {
         auto service = start();
         ASSERT_TRUE(service->started());
         useKeysOf(*service);
         consumerKey = service->consumerKey();
+        port = service->port();
         auto made = send(*service, "POST", "user/register",
                          {{"email", "kept@example.com"},
                           {"artist_name", "Kept"},
@@ -153,6 +155,8 @@ TEST_F(ServiceProcessTest, KeepsAccountsDownloadsAndKeysAcrossAKill) {
     auto service = start();
     ASSERT_TRUE(service->started());
     EXPECT_EQ(service->consumerKey(), consumerKey);
+    // Addresses the client kept still lead here.
+    EXPECT_EQ(service->port(), port);
     useKeysOf(*service);
     auto login = send(*service, "POST", "access_token",
                       {{"x_auth_mode", "client_auth"},
@@ -174,6 +178,16 @@ TEST_F(ServiceProcessTest, FaultsFromTheCommandLineApplyFromTheFirstCall) {
     useKeysOf(*service);
     EXPECT_EQ(send(*service, "GET", "featured")->status, 503);
     EXPECT_EQ(send(*service, "GET", "featured")->status, 200);
+}
+
+TEST(ServiceProcessArgumentsTest, ASecondServiceCannotShareAListeningPort) {
+    TempDir dir;
+    ServiceProcess first(TB_SERVICE_BINARY, dir.file("first"), {"--media", "placeholder"});
+    ASSERT_TRUE(first.started()) << first.error();
+    ServiceProcess second(TB_SERVICE_BINARY, dir.file("second"),
+                          {"--media", "placeholder", "--port", std::to_string(first.port())});
+    EXPECT_FALSE(second.started());
+    EXPECT_NE(second.terminate(), 0);
 }
 
 TEST(ServiceProcessArgumentsTest, ABadFaultSpecStopsTheStart) {
