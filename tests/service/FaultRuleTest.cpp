@@ -40,12 +40,14 @@ TEST(FaultRuleTest, RefusesWhatItCantRead) {
     for (const char* spec :
          {"", "search", "search=explode", "search=status:99", "search=status:abc",
           "search=truncate:100%", "search=delay", "search=status,times=x", "search=status,color=1",
-          "a b c=status", "=status"}) {
+          "a b c=status", "=status", "search=status:500,times=0"}) {
         EXPECT_FALSE(FaultRule::parse(spec, error)) << spec;
     }
     EXPECT_FALSE(
         FaultRule::fromJson({{"path", "x"}, {"action", "status"}, {"status", "500"}}, error));
     EXPECT_FALSE(FaultRule::fromJson({{"action", "status"}}, error));
+    EXPECT_FALSE(FaultRule::fromJson(
+        {{"path", "x"}, {"action", "status"}, {"status", 500}, {"times", 0}}, error));
     EXPECT_FALSE(FaultRule::fromJson(nlohmann::json::array(), error));
     auto json = FaultRule::fromJson(
         {{"path", "chart/**"}, {"action", "delay"}, {"delay_ms", 250}, {"times", 1}}, error);

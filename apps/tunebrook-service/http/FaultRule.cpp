@@ -176,9 +176,11 @@ std::optional<FaultRule> FaultRule::parse(const std::string& spec, std::string& 
     }
     for (size_t i = 1; i < options.size(); ++i) {
         auto pair = split(options[i], '=');
-        auto value = pair.size() == 2 ? number(pair[1], 0, 1000000) : std::nullopt;
+        // A fault that may fire no time at all would only ever sit in the list.
+        auto value =
+            pair.size() == 2 ? number(pair[1], pair[0] == "times" ? 1 : 0, 1000000) : std::nullopt;
         if (!value || (pair[0] != "times" && pair[0] != "delay")) {
-            error = "options are times=N and delay=MS";
+            error = "options are times=N (N at least 1) and delay=MS";
             return std::nullopt;
         }
         if (pair[0] == "times") {
@@ -234,13 +236,14 @@ std::optional<FaultRule> FaultRule::fromJson(const nlohmann::json& value, std::s
         }
         rule.body = value["body"].get<std::string>();
     }
-    bool ok =
-        integer("status", 200, 599, rule.status) && integer("delay_ms", 0, 600000, rule.delayMs) &&
-        integer("bytes", -1, INT64_C(1) << 40, rule.bytes) &&
-        integer("percent", 0, 99, rule.percent) &&
-        integer("chunk_bytes", 1, 1 << 20, rule.chunkBytes) &&
-        integer("interval_ms", 1, 60000, rule.intervalMs) &&
-        integer("max_ms", 1, 3600000, rule.maxMs) && integer("times", -1, 1000000, rule.remaining);
+    bool ok = integer("status", 200, 599, rule.status) &&
+              integer("delay_ms", 0, 600000, rule.delayMs) &&
+              integer("bytes", -1, INT64_C(1) << 40, rule.bytes) &&
+              integer("percent", 0, 99, rule.percent) &&
+              integer("chunk_bytes", 1, 1 << 20, rule.chunkBytes) &&
+              integer("interval_ms", 1, 60000, rule.intervalMs) &&
+              integer("max_ms", 1, 3600000, rule.maxMs) &&
+              integer("times", -1, 1000000, rule.remaining) && rule.remaining != 0;
     if (!ok) {
         return std::nullopt;
     }
