@@ -132,6 +132,7 @@ bool Service::start(std::string& error) {
     context_ = std::make_unique<ServiceContext>(*db_, options_.dataDir, origin_, mediaSecret_,
                                                 options_.settings, options_.now);
     nonces_ = std::make_unique<NonceCache>(options_.settings.timestampWindowSeconds);
+    nonces_->keepIn(*db_, static_cast<int64_t>(options_.now()));
     authenticator_ =
         std::make_unique<RequestAuthenticator>(consumerKey_, consumerSecret_, context_->tokens,
                                                *nonces_, options_.settings.timestampWindowSeconds);

@@ -139,6 +139,23 @@ TEST(NonceCacheTest, ForgetsNoncesOnceTheirTimestampLeavesTheWindow) {
     EXPECT_EQ(cache.size(), 2u);
 }
 
+TEST(NonceCacheTest, ANonceKeptInTheDatabaseOutlivesARestartButNotTheWindow) {
+    test::TempDir dir;
+    std::string error;
+    auto db = Database::open(dir.file("service.sqlite"), error);
+    ASSERT_TRUE(db && Schema::create(*db, error)) << error;
+    {
+        NonceCache before(600);
+        before.keepIn(*db, 1000);
+        EXPECT_TRUE(before.remember("a", 1000, 1000));
+        EXPECT_TRUE(before.remember("b", 1300, 1300));
+    }
+    NonceCache after(600);
+    after.keepIn(*db, 1650);
+    EXPECT_FALSE(after.remember("b", 1300, 1650));
+    EXPECT_TRUE(after.remember("a", 1000, 1650));  // its timestamp left the window
+}
+
 TEST(NonceCacheTest, StaysWithinItsCapacity) {
     NonceCache cache(600, 3);
     for (int i = 0; i < 10; ++i) {

@@ -8,6 +8,7 @@ namespace {
 
 const char* const kSchema = R"sql(
 CREATE TABLE IF NOT EXISTS meta(key TEXT PRIMARY KEY, value TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS nonces(key TEXT PRIMARY KEY, timestamp INTEGER NOT NULL);
 
 CREATE TABLE IF NOT EXISTS accounts(
   id INTEGER PRIMARY KEY,
