@@ -231,6 +231,36 @@ TEST_F(StoreOpeningTest, ACorruptStoreIsRebuiltAndASecondCorruptionInTheSameRunI
     EXPECT_EQ(device.ui.alerts.size(), 1u);
 }
 
+// The header and the schema are whole, so the file opens; only its rows are broken. Kept,
+// it would answer every query with nothing from then on.
+TEST_F(StoreOpeningTest, AStoreWithABrokenPageOfRowsIsRebuiltAsACorruptOne) {
+    makeStoreWithRows(400);
+    ASSERT_EQ(queryColumn(path(), "PRAGMA page_size"), std::vector<std::string>{"4096"});
+    const std::uintmax_t pages = fs::file_size(path()) / 4096;
+    ASSERT_GT(pages, 20u);
+    {
+        std::fstream file(path(), std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(static_cast<std::streamoff>((pages / 2) * 4096));
+        const std::string garbage(4096, '\xA5');
+        file.write(garbage.data(), static_cast<std::streamsize>(garbage.size()));
+    }
+
+    Launch launch(device);
+    launch.startup();
+    EXPECT_EQ(storeErrors(), std::vector<std::int64_t>{StoreError::kCorrupt});
+    EXPECT_EQ(events(), std::vector<std::int64_t>{codes().databaseRecreated});
+    ASSERT_TRUE(launch.data().persistentStoreCoordinator()->hasPersistentStore());
+    EXPECT_EQ(rowCount(launch), 0);
+    auto row = launch.store()->insertNewObject<Item>();
+    row->itemID = "after";
+    ASSERT_TRUE(launch.store()->save());
+    EXPECT_EQ(ItemDAO::findByID("after"), row);
+    device.queue.advanceBy(1.001);
+    ASSERT_EQ(device.ui.alerts.size(), 1u);
+    EXPECT_EQ(device.ui.alerts[0].message,
+              TBLocalization::localizedString("database_error_recreated"));
+}
+
 TEST_F(StoreOpeningTest, AnErrorOutsideTheOpeningNeverRebuildsAndOnlyAFullDiskIsTold) {
     Launch launch(device);
     launch.startup();

@@ -55,6 +55,27 @@ bool configure(SqliteDatabase& database, SqliteError* error) {
     return true;
 }
 
+// Reading the header and the schema proves little: a broken page of rows would open
+// cleanly and then fail every fetch that reaches it, for as long as the file is kept. The
+// quick check walks every page once (without comparing indexes to their tables), so such a
+// file is found here and takes the corrupt store's way: it is rebuilt.
+bool pagesAreSound(SqliteDatabase& database, SqliteError* error) {
+    auto statement = database.prepare("PRAGMA quick_check(1)", error);
+    if (!statement) {
+        return false;
+    }
+    if (statement->step(error) != SqliteStatement::Step::row) {
+        return false;
+    }
+    const std::string verdict(statement->columnText(0));
+    if (verdict != "ok") {
+        *error = SqliteError{SQLITE_CORRUPT, SQLITE_CORRUPT, 0,
+                             "database disk image is malformed: " + verdict};
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 PersistentStoreCoordinator::PersistentStoreCoordinator(ManagedObjectModel model)
@@ -66,7 +87,7 @@ bool PersistentStoreCoordinator::addPersistentStore(const std::string& path, Err
     removePersistentStore();
     SqliteError failure;
     auto database = SqliteDatabase::open(path, &failure);
-    bool ready = database && configure(*database, &failure) &&
+    bool ready = database && configure(*database, &failure) && pagesAreSound(*database, &failure) &&
                  StoreSchema::apply(*database, model_, &failure);
     if (!ready) {
         if (error) {

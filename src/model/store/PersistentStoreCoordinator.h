@@ -12,9 +12,10 @@ namespace tb {
 
 class SqliteDatabase;
 
-// The store file of a model. Adding the store opens (or creates) the file, reads its schema
-// so that a broken file fails here and not at the first fetch, switches it to write-ahead
-// logging (its "-wal" and "-shm" files stay beside it), and brings its tables up to the model.
+// The store file of a model. Adding the store opens (or creates) the file, switches it to
+// write-ahead logging (its "-wal" and "-shm" files stay beside it), checks every page of it
+// so that a broken file fails here (as corrupt) and not at some later fetch, and brings its
+// tables up to the model.
 //
 // Durability: commits are synced at checkpoints (synchronous=NORMAL in WAL mode), so a
 // process that is killed never loses a save that returned; a power cut may lose the last

@@ -126,6 +126,19 @@ TEST(StoreFileTest, GarbageInTheSchemaPageIsCorrupt) {
     EXPECT_EQ(openError(path).code, StoreError::kCorrupt);
 }
 
+TEST(StoreFileTest, GarbageInAPageOfRowsIsCorruptThoughHeaderAndSchemaAreWhole) {
+    TempDir dir;
+    std::string path = makeStore(dir);
+    ASSERT_EQ(StoreFixture::query(path, "PRAGMA page_size"), Rows{"4096"});
+    const std::uintmax_t pages = fs::file_size(path) / 4096;
+    ASSERT_GT(pages, 20u);
+    overwrite(path, (pages / 2) * 4096, garbage(4096));
+    Error error = openError(path);
+    EXPECT_EQ(error.code, StoreError::kCorrupt);
+    EXPECT_NE(error.userInfo[StoreError::kUnderlyingErrorKey].find("malformed"), std::string::npos)
+        << error.userInfo[StoreError::kUnderlyingErrorKey];
+}
+
 TEST(StoreFileTest, AFileThatIsNoDatabaseIsNotADatabase) {
     TempDir dir;
     std::string path = makeStore(dir);
