@@ -82,14 +82,19 @@ class Compiler {
             case PredicateOperator::in:
                 return folded(lhs) + " IN (SELECT " + folded("value") + " FROM json_each(" + rhs +
                        "))";
+            // Text never contains, begins or ends with the empty text, as the app's
+            // predicates have it; SQLite's instr() finds it at 1 in everything.
             case PredicateOperator::contains:
                 // A folded search runs without handing each folded row back to SQLite.
-                return node.foldOptions ? "tb_contains(" + lhs + ", " + rhs + ", " + options + ")"
-                                        : "instr(" + lhs + ", " + rhs + ") > 0";
+                return node.foldOptions
+                           ? "tb_contains(" + lhs + ", " + rhs + ", " + options + ")"
+                           : "(instr(" + lhs + ", " + rhs + ") > 0 AND length(" + rhs + ") > 0)";
             case PredicateOperator::beginsWith:
-                return "instr(" + folded(lhs) + ", " + folded(rhs) + ") = 1";
+                return "(instr(" + folded(lhs) + ", " + folded(rhs) + ") = 1 AND length(" +
+                       folded(rhs) + ") > 0)";
             case PredicateOperator::endsWith:
-                return "substr(" + folded(lhs) + ", -length(" + folded(rhs) + ")) = " + folded(rhs);
+                return "(substr(" + folded(lhs) + ", -length(" + folded(rhs) +
+                       ")) = " + folded(rhs) + " AND length(" + folded(rhs) + ") > 0)";
         }
         return "0";
     }

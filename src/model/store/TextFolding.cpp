@@ -793,9 +793,15 @@ void containsFunction(sqlite3_context* context, int argc, sqlite3_value** argv) 
         folded = TextFolding::fold(textOf(argv[1]), options);
     }
     const std::string& part = kept ? *kept : folded;
-    thread_local std::string text;
-    TextFolding::foldInto(textOf(argv[0]), options, text);
-    sqlite3_result_int(context, text.find(part) != std::string::npos ? 1 : 0);
+    // Nothing to look for is never found (find() would find it everywhere); so too a part
+    // that folds away entirely, such as a lone combining mark.
+    bool found = false;
+    if (!part.empty()) {
+        thread_local std::string text;
+        TextFolding::foldInto(textOf(argv[0]), options, text);
+        found = text.find(part) != std::string::npos;
+    }
+    sqlite3_result_int(context, found ? 1 : 0);
     if (!kept) {
         // SQLite may drop it at once (when the part isn't a constant); nothing uses it after.
         sqlite3_set_auxdata(context, 1, new std::string(std::move(folded)),

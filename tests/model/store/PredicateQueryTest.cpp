@@ -85,6 +85,19 @@ TEST_F(PredicateQueryTest, EachStringOptionFoldsOnlyItsOwnDifference) {
     EXPECT_EQ(where("title ==[cd] %@", {"cafe del mar"}), (Ids{"1"}));
 }
 
+TEST_F(PredicateQueryTest, TheEmptyTextIsInNoTextAndStartsOrEndsNone) {
+    for (const std::string format :
+         {"title CONTAINS %@", "title CONTAINS[cd] %@", "title CONTAINS[c] %@",
+          "title BEGINSWITH %@", "title BEGINSWITH[cd] %@", "title ENDSWITH %@",
+          "title ENDSWITH[d] %@"}) {
+        EXPECT_EQ(where(format, {""}), Ids{}) << format;
+        EXPECT_EQ(where("NOT (" + format + ")", {""}).size(), 5u) << format;
+    }
+    // So too a part that folds away to nothing: a lone combining accent.
+    EXPECT_EQ(where("title CONTAINS[cd] %@", {"\u0301"}), Ids{});
+    EXPECT_EQ(where("title BEGINSWITH[d] %@", {"\u0301"}), Ids{});
+}
+
 TEST_F(PredicateQueryTest, NilAttributesFollowTheAppsRules) {
     EXPECT_EQ(where("title == nil"), (Ids{"4"}));
     EXPECT_EQ(where("title == %@", {nullptr}), (Ids{"4"}));
