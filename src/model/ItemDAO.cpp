@@ -68,6 +68,12 @@ ItemPtr insertCopyOf(ObjectContext& context, const Item& item) {
     return row;
 }
 
+// The rows a write changed, named to the save so that it looks at nothing else: a save that
+// had to find them would hash every record held, and long lists are held.
+TBCoreDataManager::Changed changedRows(const std::vector<ItemPtr>& rows) {
+    return {rows.begin(), rows.end()};
+}
+
 std::vector<std::string> idsOf(const std::vector<ItemPtr>& items) {
     std::vector<std::string> ids;
     for (const auto& item : items) {
@@ -116,7 +122,7 @@ ItemPtr ItemDAO::saveItem(const ItemPtr& item) {
         return item;
     }
     auto row = insertCopyOf(*context, *item);
-    saving().reportingSave("save");
+    saving().reportingSave("save", {});
     switch (item->itemType()) {
         case ItemType::album:
             // A track already on the device now belongs to the album's download.
@@ -125,12 +131,14 @@ ItemPtr ItemDAO::saveItem(const ItemPtr& item) {
                     continue;
                 }
                 const std::string trackID = track->itemID.value_or("");
+                TBCoreDataManager::Changed changed;
                 if (auto existing = trackID.empty() ? nullptr : findByID(trackID)) {
                     existing->albumTrackDownloadedAsSingle = false;
+                    changed.push_back(existing);
                 } else {
                     insertCopyOf(*context, *track);
                 }
-                saving().reportingSave("save - album track");
+                saving().reportingSave("save - album track", changed);
             }
             break;
         case ItemType::playlist:
@@ -141,7 +149,7 @@ ItemPtr ItemDAO::saveItem(const ItemPtr& item) {
                     continue;
                 }
                 insertCopyOf(*context, *entry);
-                saving().reportingSave("save - playlist item");
+                saving().reportingSave("save - playlist item", {});
             }
             break;
         default:
@@ -198,7 +206,7 @@ void ItemDAO::updatePlaylist(const ItemPtr& playlist, const ItemPtr& from) {
             PlaylistTracks::deleteTrack(trackID, playlistID);
         }
     }
-    saving().save(nullptr);
+    saving().save(nullptr, {playlist});
 }
 
 void ItemDAO::updateCommentsCountFor(const ItemPtr& item, std::int64_t count) {
@@ -206,7 +214,7 @@ void ItemDAO::updateCommentsCountFor(const ItemPtr& item, std::int64_t count) {
         return;
     }
     item->commentsCount = count;
-    saving().save(nullptr);
+    saving().save(nullptr, {item});
 }
 
 std::optional<ItemDAO::Items> ItemDAO::cachedItems() {
@@ -319,38 +327,41 @@ void ItemDAO::markAsDownloaded(const std::string& itemID) {
     if (itemID.empty()) {
         return;
     }
-    if (auto row = firstRowWithID(itemID)) {
+    auto row = firstRowWithID(itemID);
+    if (row) {
         row->downloaded = true;
     }
-    saving().reportingSave("markAsDownloaded:itemId");
+    saving().reportingSave("markAsDownloaded:itemId", changedRows({row}));
 }
 
 void ItemDAO::markAsDownloadCompleted(const std::string& itemID) {
     if (itemID.empty()) {
         return;
     }
-    if (auto row = firstRowWithID(itemID)) {
+    auto row = firstRowWithID(itemID);
+    if (row) {
         row->downloaded = true;
         row->downloadCompleted = true;
         row->cached = false;
     }
-    saving().reportingSave("markAsDownloadCompleted:itemId");
+    saving().reportingSave("markAsDownloadCompleted:itemId", changedRows({row}));
 }
 
 void ItemDAO::markItemsAsSynced(const std::string& itemIDs) {
+    Items rows;
     if (itemIDs.find(',') != std::string::npos) {
         // A list means the whole set was sent; its ids are not read.
-        const auto rows =
-            fetch(offlineAllPredicate(), {SortDescriptor::sortDescriptorWithKey("artist", true)});
-        for (const auto& row : rows.value_or(Items{})) {
-            row->synced = true;
-        }
+        rows = fetch(offlineAllPredicate(), {SortDescriptor::sortDescriptorWithKey("artist", true)})
+                   .value_or(Items{});
     } else if (itemIDs.empty()) {
         return;
     } else if (auto row = findByID(itemIDs)) {
+        rows.push_back(std::move(row));
+    }
+    for (const auto& row : rows) {
         row->synced = true;
     }
-    saving().save(nullptr);
+    saving().save(nullptr, changedRows(rows));
 }
 
 std::optional<std::string> ItemDAO::getImageUrlForPresetFrom(const Item& item, int preset) {

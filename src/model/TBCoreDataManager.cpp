@@ -32,12 +32,14 @@ struct RaisedFailure {
 
 // Saves the context. A save that can't be attempted at all (changes, but no store behind
 // the coordinator) is raised; every other failure comes back through `error`.
-std::optional<RaisedFailure> saveContext(ObjectContext* context, Error* error) {
+std::optional<RaisedFailure> saveContext(ObjectContext* context,
+                                         Error* error,
+                                         const TBCoreDataManager::Changed* named) {
     if (!context) {
         return std::nullopt;
     }
     Error failure;
-    if (context->save(&failure)) {
+    if (named ? context->saveChangesOf(*named, &failure) : context->save(&failure)) {
         return std::nullopt;
     }
     const bool noStore =
@@ -62,9 +64,17 @@ TBCoreDataManager& TBCoreDataManager::sharedManager() {
 }
 
 void TBCoreDataManager::save(Error* error) {
+    guardedSave(error, nullptr);
+}
+
+void TBCoreDataManager::save(Error* error, const Changed& changed) {
+    guardedSave(error, &changed);
+}
+
+void TBCoreDataManager::guardedSave(Error* error, const Changed* changed) {
     const auto& codes = TBConstants::TBCrashlyticsErrorCodes();
-    const auto raised =
-        saveContext(context_.singleton<TBDataManager>().managedObjectContext().get(), error);
+    const auto raised = saveContext(
+        context_.singleton<TBDataManager>().managedObjectContext().get(), error, changed);
     // Whether the save came back true is not looked at: only a raised failure is one here.
     if (!raised) {
         if (isFirstSaveAfterError256()) {
@@ -80,8 +90,16 @@ void TBCoreDataManager::save(Error* error) {
 }
 
 bool TBCoreDataManager::reportingSave(const std::string& label) {
+    return reportedSave(label, nullptr);
+}
+
+bool TBCoreDataManager::reportingSave(const std::string& label, const Changed& changed) {
+    return reportedSave(label, &changed);
+}
+
+bool TBCoreDataManager::reportedSave(const std::string& label, const Changed* changed) {
     Error error;
-    save(&error);
+    guardedSave(&error, changed);
     if (error.domain.empty()) {
         return true;
     }

@@ -1,13 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/UserInfo.h"
 
 namespace tb {
 
 class AppContext;
+class ManagedObject;
 struct Error;
 
 // Owns saving and the error policy of the store.
@@ -31,11 +34,18 @@ class TBCoreDataManager {
     // save that came back false. No result: a save that came back false still counts as
     // done here, and only a raised failure is reported (see above).
     void save(Error* error);
+    // The same guarded save for a writer that names the records it changed (with every
+    // insert and delete, they are all that is written; see ObjectContext::saveChangesOf).
+    // Its cost doesn't grow with the records held elsewhere, as the plain save's does: the
+    // way for writes that come often, such as the player's position every two seconds.
+    using Changed = std::vector<std::shared_ptr<ManagedObject>>;
+    void save(Error* error, const Changed& changed);
 
     // The save of the DAO's own writes: a failure is recorded with "Method" = `label` and
     // handed to handleError with onStartup false, so that it can show the low-storage alert
     // but never rebuild the store. True when no error came back.
     bool reportingSave(const std::string& label);
+    bool reportingSave(const std::string& label, const Changed& changed);
 
     // The error policy. Runs at most once per process (alertShown); codes 11 and 259 rebuild
     // the store at launch, 13 tells the listener the device is full, 256 at launch is
@@ -54,6 +64,8 @@ class TBCoreDataManager {
     }
 
   private:
+    void guardedSave(Error* error, const Changed* changed);
+    bool reportedSave(const std::string& label, const Changed* changed);
     // Records an event of the app's error domain ("com.tunebrook") with the crash reporter.
     void recordEvent(std::int64_t code, ErrorInfo userInfo = {}, ErrorInfo additionalInfo = {});
     void scheduleAlert(const std::string& message);

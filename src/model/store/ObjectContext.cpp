@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "model/store/EntityDescription.h"
 #include "model/store/FieldOps.h"
@@ -673,37 +674,68 @@ struct ObjectContext::Impl {
         return statement && run(*statement, error);
     }
 
+    // The write that a stored record needs: none when its values are still those of its row.
+    std::optional<Update> updateFor(std::shared_ptr<ManagedObject> record, EntityState& state) {
+        if (flagsOf(*record) & (kDeleted | kInserted)) {
+            return std::nullopt;
+        }
+        Update update;
+        update.state = &state;
+        if (flagsOf(*record) & kPartial) {
+            update.full = false;
+            update.columns = changedColumns(*record, state);
+            if (update.columns.empty()) {
+                return std::nullopt;
+            }
+        } else if (FieldOps::hashRecord(*record) == snapshotOf(*record)) {
+            return std::nullopt;
+        }
+        update.record = std::move(record);
+        return update;
+    }
+
     std::vector<Update> collectUpdates() {
         std::vector<Update> updates;
         for (auto& state : entities) {
             for (auto& [rowID, weak] : state->registered) {
-                auto record = weak.lock();
-                if (!record || (flagsOf(*record) & (kDeleted | kInserted))) {
-                    continue;
-                }
-                Update update;
-                update.state = state.get();
-                if (flagsOf(*record) & kPartial) {
-                    update.full = false;
-                    update.columns = changedColumns(*record, *state);
-                    if (update.columns.empty()) {
-                        continue;
+                if (auto record = weak.lock()) {
+                    if (auto update = updateFor(std::move(record), *state)) {
+                        updates.push_back(std::move(*update));
                     }
-                } else if (FieldOps::hashRecord(*record) == snapshotOf(*record)) {
-                    continue;
                 }
-                update.record = std::move(record);
-                updates.push_back(std::move(update));
             }
         }
         return updates;
     }
 
-    bool save(Error* error) {
+    // The updates of the named records and of those kept for their changes, each once.
+    std::vector<Update> collectUpdatesOf(const std::vector<std::shared_ptr<ManagedObject>>& named) {
+        std::vector<Update> updates;
+        std::unordered_set<const ManagedObject*> seen;
+        auto consider = [&](const std::shared_ptr<ManagedObject>& record) {
+            if (!record || contextOf(*record) != &owner || rowIDOf(*record) == 0 ||
+                !seen.insert(record.get()).second) {
+                return;
+            }
+            if (auto update = updateFor(record, stateFor(record->entity()))) {
+                updates.push_back(std::move(*update));
+            }
+        };
+        for (const auto& record : held) {
+            consider(record);
+        }
+        for (const auto& record : named) {
+            consider(record);
+        }
+        return updates;
+    }
+
+    // Saves every change, or (with `named`) the changes of the named records only.
+    bool save(Error* error, const std::vector<std::shared_ptr<ManagedObject>>* named = nullptr) {
         if (!connect(error)) {
             return false;
         }
-        std::vector<Update> updates = collectUpdates();
+        std::vector<Update> updates = named ? collectUpdatesOf(*named) : collectUpdates();
         if (inserted.empty() && deleted.empty() && updates.empty()) {
             auto releasedHeld = std::move(held);
             held.clear();
@@ -951,6 +983,11 @@ void ObjectContext::deleteObject(const std::shared_ptr<ManagedObject>& record) {
 
 bool ObjectContext::save(Error* error) {
     return impl_->save(error);
+}
+
+bool ObjectContext::saveChangesOf(const std::vector<std::shared_ptr<ManagedObject>>& records,
+                                  Error* error) {
+    return impl_->save(error, &records);
 }
 
 bool ObjectContext::hasChanges() const {

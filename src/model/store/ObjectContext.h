@@ -23,6 +23,10 @@ class PersistentStoreCoordinator;
 // Records are plain structs, so the context finds what changed by itself: for each record
 // it fetched or saved it keeps a hash of the stored values, and `save` writes the records
 // whose values no longer hash the same, with the inserts and deletes, in one transaction.
+// Finding them means hashing every record the context knows, so that save costs in
+// proportion to what is held (a long list held on screen makes every save slow). A writer
+// that knows which records it changed names them to `saveChangesOf`, which looks at those
+// alone and so costs what the changes cost.
 //
 // Identity: while anyone holds a record, fetching its row again gives the same object.
 // A record whose last reference goes away with unsaved changes is not lost: the context
@@ -79,6 +83,13 @@ class ObjectContext {
     // Writes every insert, change and delete in one transaction; on failure nothing is
     // written and the changes stay pending.
     bool save(Error* error = nullptr);
+    // The same save, for a writer that names the records it changed: those, every insert,
+    // every delete and every record kept for its changes are written; no other record is
+    // looked at. A change to a record not named stays pending until the next save(), or
+    // until its record is let go (it is then kept, and written by the next save of either
+    // kind). Records of no context, or of another, are ignored.
+    bool saveChangesOf(const std::vector<std::shared_ptr<ManagedObject>>& records,
+                       Error* error = nullptr);
     bool hasChanges() const;
     // Drops pending inserts (the records become detached), undoes pending deletes, and reads
     // changed records back from their rows.

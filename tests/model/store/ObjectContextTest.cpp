@@ -75,6 +75,34 @@ TEST(ObjectContextTest, AChangedRecordDroppedBeforeSavingKeepsItsChanges) {
     EXPECT_EQ(store.context().fetch<Item>(byID("1"))->front()->title, "Changed");
 }
 
+TEST(ObjectContextTest, ASaveOfNamedChangesWritesThemWithInsertsAndDeletesAndNothingElse) {
+    StoreFixture store;
+    for (const char* id : {"1", "2", "3", "4"}) {
+        store.saveItem(id, std::string("Old ") + id);
+    }
+    auto held = *store.context().fetch<Item>(FetchRequest::fetchRequestWithEntityName("Item"));
+    held[0]->title = "Named";
+    held[1]->title = "Not named";
+    store.context().deleteObject(held[2]);
+    store.context().insertNewObject<Item>()->itemID = "5";
+    // Dropped with a change: kept by the context, and so always written.
+    store.context().fetch<Item>(byID("4"))->front()->title = "Let go";
+    held.pop_back();
+
+    Error error;
+    ASSERT_TRUE(store.context().saveChangesOf({held[0], held[0], std::make_shared<Item>()}, &error))
+        << error.message;
+    EXPECT_EQ(column(store, "SELECT itemID || ' ' || ifnull(title, '-') FROM Item ORDER BY pk"),
+              (Ids{"1 Named", "2 Old 2", "4 Let go", "5 -"}));
+    EXPECT_TRUE(store.context().hasChanges());  // the change to 2 waits for a full save
+    ASSERT_TRUE(store.context().save());
+    EXPECT_EQ(column(store, "SELECT title FROM Item WHERE itemID = '2'"), Ids{"Not named"});
+
+    // A named record that is unchanged, deleted, or of no context writes nothing.
+    ASSERT_TRUE(store.context().saveChangesOf({held[0], held[2]}));
+    EXPECT_FALSE(store.context().hasChanges());
+}
+
 TEST(ObjectContextTest, InsertsBecomeRowsOnlyWhenSaved) {
     StoreFixture store;
     auto item = store.context().insertNewObject<Item>();
