@@ -4,6 +4,14 @@
 // 100,000 Item rows, half of them downloaded (most of those complete). For each query the
 // store's time and raw SQLite's are printed with their ratio; the aim is 1.5x or less.
 //
+// Then two costs that don't show in a query:
+//   - opening the store, which checks every page of the file, beside raw SQLite opening it
+//     and running the same check;
+//   - saving one changed field (the player's position, every two seconds) while the
+//     downloaded half of the library is held, as a list on screen holds it, beside one
+//     UPDATE of one row in its own transaction. The plain save hashes every held record to
+//     find the change; the save of named changes looks at the named record only.
+//
 //   build/default/bench/store_queries [ROWS]
 
 #include <algorithm>
@@ -20,10 +28,13 @@
 
 #include "api/TBDataManager.h"
 #include "app/AppContext.h"
+#include "model/BookmarkStatus.h"
 #include "model/Item.h"
 #include "model/ItemDAO.h"
+#include "model/StoreModel.h"
 #include "model/store/FetchRequest.h"
 #include "model/store/ObjectContext.h"
+#include "model/store/PersistentStoreCoordinator.h"
 #include "platform/linux/LinuxPlatform.h"
 
 namespace {
@@ -131,9 +142,10 @@ class RawStatement {
 std::size_t RawStatement::sink_ = 0;
 
 struct Row {
-    const char* query;
+    std::string query;
     double ours;
     double raw;
+    bool aimed = true;  // held to the aim; others are shown for comparison
 };
 
 }  // namespace
@@ -286,16 +298,104 @@ int main(int argc, char** argv) {
         }
     }
 
+    // Opening the store: a coordinator of its own over the same file, each time anew.
+    {
+        const std::string path = data.storePath();
+        bool opened = true;
+        const double ours = millisecondsOf(
+            [&] {
+                tb::PersistentStoreCoordinator coordinator(tb::StoreModel::merged());
+                opened = coordinator.addPersistentStore(path, nullptr) && opened;
+            },
+            5);
+        std::string verdict;
+        const double theirs = millisecondsOf(
+            [&] {
+                sqlite3* other = nullptr;
+                sqlite3_open_v2(path.c_str(), &other, SQLITE_OPEN_READWRITE, nullptr);
+                RawStatement check(other, "PRAGMA quick_check(1)");
+                if (sqlite3_step(check.get()) == SQLITE_ROW) {
+                    verdict = reinterpret_cast<const char*>(sqlite3_column_text(check.get(), 0));
+                }
+                sqlite3_reset(check.get());
+                RawStatement schema(other, "SELECT * FROM sqlite_master");
+                schema.readAll();
+                sqlite3_close_v2(other);  // closes once the statements above are done
+            },
+            5);
+        table.push_back({"open the store (page check)", ours, theirs});
+        if (!opened || verdict != "ok") {
+            std::fprintf(stderr, "open: store %s, check said %s\n", opened ? "open" : "failed",
+                         verdict.c_str());
+            return 1;
+        }
+    }
+
+    // One changed field saved while the downloaded half of the library is held.
+    {
+        store.reset();
+        const auto held = tb::ItemDAO::fetch(tb::ItemDAO::offlineAllPredicate());
+        auto status = store.insertNewObject<tb::BookmarkStatus>();
+        status->itemID = "100000";
+        if (!held || !store.save()) {
+            std::fprintf(stderr, "save: no rows to hold, or no status row\n");
+            return 1;
+        }
+        sqlite3* writer = nullptr;
+        sqlite3_open_v2(data.storePath().c_str(), &writer, SQLITE_OPEN_READWRITE, nullptr);
+        sqlite3_busy_timeout(writer, 2000);
+        sqlite3_exec(writer, "PRAGMA synchronous=NORMAL", nullptr, nullptr, nullptr);
+        RawStatement begin(writer, "BEGIN IMMEDIATE");
+        RawStatement update(writer,
+                            "UPDATE \"BookmarkStatus\" SET playbackPosition = ?1 WHERE rowid = "
+                            "(SELECT MIN(rowid) FROM \"BookmarkStatus\")");
+        RawStatement commit(writer, "COMMIT");
+        std::int64_t position = 0;
+        bool saved = true;
+        const double full = millisecondsOf(
+            [&] {
+                status->playbackPosition = position += 2000;
+                saved = store.save() && saved;
+            },
+            20);
+        const double named = millisecondsOf(
+            [&] {
+                status->playbackPosition = position += 2000;
+                saved = store.saveChangesOf({status}) && saved;
+            },
+            20);
+        const double raw = millisecondsOf(
+            [&] {
+                sqlite3_step(begin.get());
+                sqlite3_reset(begin.get());
+                sqlite3_bind_int64(update.get(), 1, position += 2000);
+                sqlite3_step(update.get());
+                sqlite3_reset(update.get());
+                sqlite3_step(commit.get());
+                sqlite3_reset(commit.get());
+            },
+            20);
+        table.push_back(
+            {"save 1 field, " + std::to_string(held->size()) + " held (*)", full, raw, false});
+        table.push_back({"save 1 named field, as many held", named, raw});
+        if (!saved || sqlite3_changes(writer) != 1) {
+            std::fprintf(stderr, "save: the store's save failed or the raw update missed\n");
+            return 1;
+        }
+        sqlite3_close_v2(writer);
+    }
+
     sqlite3_close(db);
     std::printf("\n%-32s %12s %12s %8s\n", "query", "store (ms)", "sqlite (ms)", "ratio");
     bool withinAim = true;
     for (const auto& row : table) {
         const double ratio = row.ours / row.raw;
-        withinAim = withinAim && ratio <= 1.5;
-        std::printf("%-32s %12.3f %12.3f %7.2fx\n", row.query, row.ours, row.raw, ratio);
+        withinAim = withinAim && (!row.aimed || ratio <= 1.5);
+        std::printf("%-32s %12.3f %12.3f %7.2fx\n", row.query.c_str(), row.ours, row.raw, ratio);
     }
-    std::printf("\n%s\n", withinAim ? "every query within 1.5x of raw SQLite"
-                                    : "some queries are over 1.5x of raw SQLite");
+    std::printf("\n(*) hashes every held record to find the one change: no aim, for comparison\n");
+    std::printf("%s\n", withinAim ? "every other measure within 1.5x of raw SQLite"
+                                  : "some measures are over 1.5x of raw SQLite");
     std::filesystem::remove_all(home);
     return 0;
 }
