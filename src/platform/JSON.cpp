@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/JsonLimits.h"
+#include "platform/Utf8.h"
 
 namespace tb {
 
@@ -239,7 +240,14 @@ JSON JSON::parse(std::string_view text) {
     if (!jsonNestingWithin(text, kMaxJsonDepth)) {
         return JSON();
     }
-    // The parser checks UTF-8 inside strings and rejects the text on a bad sequence.
+    // The parser rejects the whole text on one bad byte inside a string; a stray byte in
+    // one title must not cost the listener the rest of the list. Repairing never touches
+    // ASCII, so quotes and brackets stay where they were.
+    std::string repaired;
+    if (!isValidUtf8(text)) {
+        repaired = repairedUtf8(text);
+        text = repaired;
+    }
     auto parsed = nlohmann::json::parse(text.begin(), text.end(), nullptr, false);
     if (parsed.is_discarded()) {
         const auto clamped = withOverflowingNumbersClamped(text);

@@ -29,8 +29,10 @@ class JSON {
     explicit JSON(const nlohmann::json& value);
     explicit JSON(nlohmann::json&& value);
 
-    // Parses foreign text. Malformed text, nesting deeper than kMaxJsonDepth and invalid
-    // UTF-8 all give a null that does not exist.
+    // Parses foreign text. Malformed text and nesting deeper than kMaxJsonDepth give a null
+    // that does not exist. Ill-formed UTF-8 is replaced by U+FFFD (see repairedUtf8), and a
+    // number too large for a double reads as the largest double of its sign, so that one bad
+    // value doesn't cost the rest of the document.
     static JSON parse(std::string_view text);
 
     // Subscripts. A missing key, an index out of range or a container of the other kind

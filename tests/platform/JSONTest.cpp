@@ -219,11 +219,20 @@ TEST(JSONTest, NestingDeeperThanTheLimitIsRefusedAndTheLimitItselfIsAccepted) {
     EXPECT_FALSE(JSON::parse(std::string(500000, '{')).exists());
 }
 
-TEST(JSONTest, InvalidUtf8IsRefusedWhenParsingAndReplacedWhenDumping) {
-    EXPECT_FALSE(JSON::parse("{\"name\": \"bad \xff\xfe byte\"}").exists());
-    EXPECT_FALSE(JSON::parse("{\"name\": \"cut \xe2\x82\"}").exists());
-    EXPECT_FALSE(JSON::parse("[\"\xc0\xaf\"]").exists());  // overlong "/"
-    EXPECT_TRUE(JSON::parse("{\"name\": \"caf\xc3\xa9\"}").exists());
+TEST(JSONTest, InvalidUtf8IsReplacedWhenParsingAndWhenDumping) {
+    const std::string replacement = "\xef\xbf\xbd";  // U+FFFD
+    const JSON bad = JSON::parse("{\"name\": \"bad \xff\xfe byte\", \"id\": \"kept\"}");
+    EXPECT_EQ(bad["name"].stringValue(), "bad " + replacement + replacement + " byte");
+    EXPECT_EQ(bad["id"].stringValue(), "kept");
+    // A character cut short before the closing quote doesn't swallow the quote.
+    EXPECT_EQ(JSON::parse("{\"name\": \"cut \xe2\x82\"}")["name"].stringValue(),
+              "cut " + replacement);
+    EXPECT_EQ(JSON::parse("[\"\xc0\xaf\"]")[0].stringValue(),
+              replacement + replacement);  // overlong "/" is no slash
+    EXPECT_EQ(JSON::parse("{\"name\": \"caf\xc3\xa9\"}")["name"].stringValue(), "caf\xc3\xa9");
+    // A bad byte outside any string is still no JSON.
+    EXPECT_FALSE(JSON::parse("{\"name\": 1}\xff").exists());
+    EXPECT_FALSE(JSON::parse("[1, \xff]").exists());
 
     // A value built in code can hold any bytes; writing it out must not throw.
     const JSON built(nlohmann::json{{"name", std::string("bad \xff byte")}});
