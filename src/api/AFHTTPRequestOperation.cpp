@@ -2,29 +2,23 @@
 
 #include <nlohmann/json.hpp>
 
-#include "platform/JsonLimits.h"
-
 namespace tb {
 
 namespace {
-
-const nlohmann::json kNoObject;
 
 bool isBlank(const std::string& text) {
     return text.find_first_not_of(" \t\r\n") == std::string::npos;
 }
 
 // The body as JSON: blank is null, and text that isn't JSON (or nests deeper than the app
-// accepts) gives nothing.
-std::optional<nlohmann::json> parsedBody(const std::string& body) {
+// accepts) gives nothing. The reading is the lenient one, so that a stray byte or an
+// overflowing number in one element of a list doesn't fail the whole answer.
+std::optional<JSON> parsedBody(const std::string& body) {
     if (isBlank(body)) {
-        return nlohmann::json();
+        return JSON(nlohmann::json());
     }
-    if (!jsonNestingWithin(body)) {
-        return std::nullopt;
-    }
-    auto parsed = nlohmann::json::parse(body, nullptr, false);
-    if (parsed.is_discarded()) {
+    JSON parsed = JSON::parse(body);
+    if (!parsed.exists()) {
         return std::nullopt;
     }
     return parsed;
@@ -51,7 +45,7 @@ std::string AFHTTPRequestOperation::responseString() const {
 }
 
 const nlohmann::json& AFHTTPRequestOperation::responseObject() const {
-    return responseObject_ ? *responseObject_ : kNoObject;
+    return responseObject_.raw();
 }
 
 void AFHTTPRequestOperation::cancel() {
@@ -68,10 +62,10 @@ void AFHTTPRequestOperation::finishWith(HttpResult result) {
     finished_ = true;
     task_.reset();
     response_ = std::move(result.response);
-    std::optional<nlohmann::json> parsed;
+    std::optional<JSON> parsed;
     if (response_) {
         parsed = parsedBody(response_->body);
-        responseObject_ = std::make_unique<nlohmann::json>(parsed.value_or(nlohmann::json()));
+        responseObject_ = parsed.value_or(JSON());
     }
     if (result.error) {
         error_ = std::move(result.error);

@@ -8,13 +8,15 @@
 
 #include "platform/Error.h"
 #include "platform/HttpTransport.h"
+#include "platform/JSON.h"
 
 namespace tb {
 
-// One request of a client and, once answered, what came back. The answer is read as JSON:
-// a 2xx status whose body parses (a bare value counts; an empty body is null) succeeds;
-// otherwise error() says why (-1011 for a status outside 200-299, -1016 for a body that
-// isn't JSON, or the transport's own error), and the response stays readable.
+// One request of a client and, once answered, what came back. The answer is read as JSON,
+// leniently (see JSON::parse): a 2xx status whose body parses (a bare value counts; an empty
+// body is null) succeeds; otherwise error() says why (-1011 for a status outside 200-299,
+// -1016 for a body that isn't JSON, or the transport's own error), and the response stays
+// readable.
 class AFHTTPRequestOperation {
   public:
     explicit AFHTTPRequestOperation(HttpRequest request);
@@ -46,7 +48,7 @@ class AFHTTPRequestOperation {
     HttpRequest request_;
     std::shared_ptr<HttpTask> task_;
     std::optional<HttpResponse> response_;
-    std::unique_ptr<nlohmann::json> responseObject_;
+    JSON responseObject_;  // missing until a response arrives
     std::optional<Error> error_;
     bool finished_ = false;
     bool cancelled_ = false;

@@ -1,3 +1,4 @@
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -157,6 +158,23 @@ TEST_F(AFXAuthClientTest, ABodyThatIsNotJsonFailsAsUndecodable) {
 
     const Answer deep = answerOf(200, std::string(5000, '[') + std::string(5000, ']'));
     EXPECT_EQ(deep.error->code, URLError::kCannotDecodeContentData);
+}
+
+TEST_F(AFXAuthClientTest, AnOverflowingNumberOrABadByteIsReadLenientlyNotRefused) {
+    const Answer huge = answerOf(200, R"({"results": [{"duration": 1e400}, {"id": "2"}]})");
+    ASSERT_TRUE(huge.succeeded);
+    EXPECT_EQ(huge.responseObject["results"][0]["duration"], std::numeric_limits<double>::max());
+    EXPECT_EQ(huge.responseObject["results"][1]["id"], "2");
+
+    const Answer bytes = answerOf(200, "{\"title\": \"bad \xff\", \"id\": \"3\"}");
+    ASSERT_TRUE(bytes.succeeded);
+    EXPECT_EQ(bytes.responseObject["title"], "bad \xef\xbf\xbd");
+    EXPECT_EQ(bytes.responseObject["id"], "3");
+
+    // A failed answer stays readable the same way.
+    const Answer refused = answerOf(500, "{\"message\": \"no \xc0\"}");
+    EXPECT_EQ(refused.error->code, URLError::kBadServerResponse);
+    EXPECT_EQ(refused.responseObject["message"], "no \xef\xbf\xbd");
 }
 
 TEST_F(AFXAuthClientTest, ATransportFailureFailsWithItsError) {

@@ -56,6 +56,36 @@ TEST_F(TBCatalogueFailureTest, OtherAnswersAreHandedOverWhole) {
     EXPECT_EQ(numberToken.pagingToken, std::nullopt) << "only a text token counts";
 }
 
+// One element of a list that the service mangled costs that element's value, never the
+// list: a number too large for a double and bytes that are no UTF-8.
+TEST_F(TBCatalogueFailureTest, AMangledValueInOneElementCostsOnlyThatValue) {
+    json huge = songJson("1", "Huge");
+    huge["duration"] = "@HUGE@";
+    json playlist = playlistJson("3");
+    playlist["stats"] = {{"plays", "@HUGE@"}};
+    std::string body = resultsOf({huge, songJson("2", "@BAD@"), playlist}).dump();
+    const auto replace = [&body](const std::string& mark, const std::string& with) {
+        for (auto at = body.find(mark); at != std::string::npos; at = body.find(mark)) {
+            body.replace(at, mark.size(), with);
+        }
+    };
+    replace("\"@HUGE@\"", "1e400");
+    replace("@BAD@", "Bad \xff\xfe Title");
+
+    askTrending();
+    answer(0, 200, body);
+
+    ASSERT_EQ(outcome.failures, 0);
+    ASSERT_EQ(outcome.successes, 1);
+    ASSERT_THAT(idsOf(outcome.items), ElementsAre("1", "2", "3"));
+    EXPECT_EQ(outcome.items[0]->duration, 0);  // no whole number: 0, as any such text
+    EXPECT_EQ(outcome.items[0]->title, "Huge");
+    EXPECT_EQ(outcome.items[1]->title, "Bad \xef\xbf\xbd\xef\xbf\xbd Title");  // U+FFFD each
+    EXPECT_EQ(outcome.items[1]->duration, 185);
+    EXPECT_EQ(outcome.items[2]->plays, "1.7976931348623157e+308");
+    EXPECT_EQ(outcome.items[2]->items.size(), 2u);
+}
+
 TEST_F(TBCatalogueFailureTest, ANullAnswerFailsWithTheEmptyDictionaryUnlessNobodyListens) {
     askTrending();
     answer(0, 200, std::string());
