@@ -1,48 +1,22 @@
 #include "model/DateText.h"
 
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <ctime>
 
 namespace tb {
 
 namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
-// 0001-01-01 and 10000-01-01, in days since 1970.
-constexpr std::int64_t kFirstDay = -719162;
-constexpr std::int64_t kDayAfterLast = 2932897;
-
-struct CivilDate {
-    std::int64_t year;
-    unsigned month;  // 1...12
-    unsigned day;    // 1...31
-};
-
-// Days since 1970-01-01 to the proleptic Gregorian calendar, and back (H. Hinnant's
-// algorithms, exact for every day in range).
-CivilDate civilFromDays(std::int64_t days) {
-    days += 719468;
-    const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
-    const auto dayOfEra = static_cast<unsigned>(days - era * 146097);
-    const unsigned yearOfEra =
-        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const unsigned dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const unsigned shiftedMonth = (5 * dayOfYear + 2) / 153;
-    const unsigned day = dayOfYear - (153 * shiftedMonth + 2) / 5 + 1;
-    const unsigned month = shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9;
-    const std::int64_t year = static_cast<std::int64_t>(yearOfEra) + era * 400 + (month <= 2);
-    return {year, month, day};
-}
-
-std::int64_t daysFromCivil(std::int64_t year, unsigned month, unsigned day) {
-    year -= month <= 2;
-    const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
-    const auto yearOfEra = static_cast<unsigned>(year - era * 400);
-    const unsigned dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
-    const unsigned dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-    return era * 146097 + static_cast<std::int64_t>(dayOfEra) - 719468;
-}
+// 0001-01-01 and 10000-01-01, in days since 1970, each widened by a day: no zone is a day
+// away from UTC, so the exact bounds are then checked on the local date.
+constexpr std::int64_t kFirstDay = -719162 - 1;
+constexpr std::int64_t kDayAfterLast = 2932897 + 1;
+constexpr int kFirstYear = 1;
+constexpr int kLastYear = 9999;
 
 unsigned daysInMonth(std::int64_t year, unsigned month) {
     static constexpr std::array<unsigned, 12> kDays = {31, 28, 31, 30, 31, 30,
@@ -73,12 +47,20 @@ std::optional<std::string> DateText::longDate(Date secondsSince1970) {
     if (days < static_cast<double>(kFirstDay) || days >= static_cast<double>(kDayAfterLast)) {
         return std::nullopt;
     }
+    const auto whole = static_cast<std::time_t>(std::floor(secondsSince1970));
+    std::tm local{};
+    if (localtime_r(&whole, &local) == nullptr) {
+        return std::nullopt;
+    }
+    const std::int64_t year = static_cast<std::int64_t>(local.tm_year) + 1900;
+    if (year < kFirstYear || year > kLastYear || local.tm_mon < 0 || local.tm_mon > 11) {
+        return std::nullopt;
+    }
     static constexpr std::array<const char*, 12> kMonths = {
         "January", "February", "March",     "April",   "May",      "June",
         "July",    "August",   "September", "October", "November", "December"};
-    const CivilDate date = civilFromDays(static_cast<std::int64_t>(days));
-    return std::string(kMonths[date.month - 1]) + " " + std::to_string(date.day) + ", " +
-           std::to_string(date.year);
+    return std::string(kMonths[static_cast<std::size_t>(local.tm_mon)]) + " " +
+           std::to_string(local.tm_mday) + ", " + std::to_string(year);
 }
 
 std::optional<Date> DateText::parseMicrosecondTimestamp(std::string_view text) {
@@ -95,16 +77,26 @@ std::optional<Date> DateText::parseMicrosecondTimestamp(std::string_view text) {
     const int minute = digitsAt(text, 14, 2);
     const int second = digitsAt(text, 17, 2);
     const int micros = digitsAt(text, 20, 6);
-    if (year < 1 || month < 1 || month > 12 || day < 1 || hour < 0 || hour > 23 || minute < 0 ||
-        minute > 59 || second < 0 || second > 59 || micros < 0) {
+    if (year < kFirstYear || month < 1 || month > 12 || day < 1 || hour < 0 || hour > 23 ||
+        minute < 0 || minute > 59 || second < 0 || second > 59 || micros < 0) {
         return std::nullopt;
     }
     if (static_cast<unsigned>(day) > daysInMonth(year, static_cast<unsigned>(month))) {
         return std::nullopt;
     }
-    const std::int64_t days =
-        daysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day));
-    const std::int64_t seconds = days * kSecondsPerDay + hour * 3600 + minute * 60 + second;
+    std::tm local{};
+    local.tm_year = year - 1900;
+    local.tm_mon = month - 1;
+    local.tm_mday = day;
+    local.tm_hour = hour;
+    local.tm_min = minute;
+    local.tm_sec = second;
+    local.tm_isdst = -1;  // the zone's rules say whether summer time applies
+    errno = 0;
+    const std::time_t seconds = std::mktime(&local);
+    if (seconds == static_cast<std::time_t>(-1) && errno != 0) {
+        return std::nullopt;
+    }
     return static_cast<double>(seconds) + micros / 1e6;
 }
 

@@ -2,6 +2,7 @@
 #include <set>
 #include <string>
 
+#include "ScopedTimeZone.h"
 #include "model/DateText.h"
 #include "model/SafeFileName.h"
 
@@ -10,7 +11,8 @@
 namespace tb {
 namespace {
 
-TEST(DateTextTest, LongDatesInUtc) {
+TEST(DateTextTest, LongDatesOfTheDayInUtc) {
+    const test::ScopedTimeZone utc("UTC0");
     EXPECT_EQ(DateText::longDate(0), "January 1, 1970");
     EXPECT_EQ(DateText::longDate(86399.9), "January 1, 1970");
     EXPECT_EQ(DateText::longDate(-0.001), "December 31, 1969");
@@ -20,7 +22,28 @@ TEST(DateTextTest, LongDatesInUtc) {
     EXPECT_EQ(DateText::longDate(-62135596800.0), "January 1, 1");
 }
 
+TEST(DateTextTest, LongDatesAreTheDayInTheDevicesZone) {
+    {
+        const test::ScopedTimeZone tokyo("JST-9");
+        EXPECT_EQ(DateText::longDate(-1), "January 1, 1970");  // 08:59:59 there
+        EXPECT_EQ(DateText::longDate(1795305600 - 9 * 3600), "November 22, 2026");
+        EXPECT_EQ(DateText::longDate(1795305600 - 9 * 3600 - 1), "November 21, 2026");
+        // The last second of 9999 in UTC is already the year 10000 there.
+        EXPECT_EQ(DateText::longDate(253402300799.0), std::nullopt);
+    }
+    {
+        const test::ScopedTimeZone pacific("PST8PDT,M3.2.0,M11.1.0");
+        EXPECT_EQ(DateText::longDate(0), "December 31, 1969");
+        EXPECT_EQ(DateText::longDate(1795305600), "November 21, 2026");
+        // Summer time: 06:59 UTC on 1 July is still 30 June there, 07:00 is not.
+        EXPECT_EQ(DateText::longDate(1782889140), "June 30, 2026");
+        EXPECT_EQ(DateText::longDate(1782889200), "July 1, 2026");
+        EXPECT_EQ(DateText::longDate(-62135596800.0), std::nullopt);  // the year 0 there
+    }
+}
+
 TEST(DateTextTest, DatesOutsideTheCalendarGiveNil) {
+    const test::ScopedTimeZone utc("UTC0");
     EXPECT_EQ(DateText::longDate(253402300800.0), std::nullopt);
     EXPECT_EQ(DateText::longDate(-62135596801.0), std::nullopt);
     EXPECT_EQ(DateText::longDate(1e300), std::nullopt);
@@ -29,12 +52,28 @@ TEST(DateTextTest, DatesOutsideTheCalendarGiveNil) {
     EXPECT_EQ(DateText::longDate(INFINITY), std::nullopt);
 }
 
-TEST(DateTextTest, MicrosecondTimestampsReadExactly) {
-    const auto parsed = DateText::parseMicrosecondTimestamp("2026-11-22T08:30:15.250000");
-    ASSERT_TRUE(parsed.has_value());
-    EXPECT_DOUBLE_EQ(*parsed, 1795336215.25);
-    EXPECT_EQ(DateText::parseMicrosecondTimestamp("1970-01-01T00:00:00.000000"), 0.0);
-    EXPECT_EQ(DateText::parseMicrosecondTimestamp("2000-02-29T23:59:59.999999").has_value(), true);
+TEST(DateTextTest, MicrosecondTimestampsReadExactlyInTheDevicesZone) {
+    {
+        const test::ScopedTimeZone utc("UTC0");
+        const auto parsed = DateText::parseMicrosecondTimestamp("2026-11-22T08:30:15.250000");
+        ASSERT_TRUE(parsed.has_value());
+        EXPECT_DOUBLE_EQ(*parsed, 1795336215.25);
+        EXPECT_EQ(DateText::parseMicrosecondTimestamp("1970-01-01T00:00:00.000000"), 0.0);
+        EXPECT_EQ(DateText::parseMicrosecondTimestamp("1969-12-31T23:59:59.000000"), -1.0);
+        EXPECT_TRUE(DateText::parseMicrosecondTimestamp("2000-02-29T23:59:59.999999"));
+    }
+    {
+        const test::ScopedTimeZone tokyo("JST-9");
+        EXPECT_EQ(DateText::parseMicrosecondTimestamp("2026-11-22T08:30:15.250000"),
+                  1795336215.25 - 9 * 3600);
+    }
+    {
+        const test::ScopedTimeZone pacific("PST8PDT,M3.2.0,M11.1.0");
+        EXPECT_EQ(DateText::parseMicrosecondTimestamp("2026-11-22T08:30:15.250000"),
+                  1795336215.25 + 8 * 3600);
+        // 1 July 2026 12:00 in summer time is 19:00 UTC.
+        EXPECT_EQ(DateText::parseMicrosecondTimestamp("2026-07-01T12:00:00.000000"), 1782932400.0);
+    }
 }
 
 TEST(DateTextTest, MicrosecondTimestampsRefuseOtherShapes) {

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "Fixtures.h"
+#include "ScopedTimeZone.h"
 #include "model/Item.h"
 #include "model/TBNotification.h"
 
@@ -36,10 +37,17 @@ TEST(NotificationMapperTest, VerbsMapToTheirValuesAndUnknownVerbsGiveNothing) {
     EXPECT_EQ(static_cast<int>(Verb::reply), 8);
 }
 
-TEST(NotificationMapperTest, CreatedAtNeedsTheExactMicrosecondFormat) {
+TEST(NotificationMapperTest, CreatedAtNeedsTheExactMicrosecondFormatAndIsATimeOfTheDevice) {
     const auto all = notifications();
     ASSERT_TRUE(all[0]->createdAt.has_value());
-    EXPECT_DOUBLE_EQ(*all[0]->createdAt, 1795336215.25);
+    {
+        const test::ScopedTimeZone utc("UTC0");
+        EXPECT_DOUBLE_EQ(*notifications()[0]->createdAt, 1795336215.25);
+    }
+    {
+        const test::ScopedTimeZone lagos("WAT-1");
+        EXPECT_DOUBLE_EQ(*notifications()[0]->createdAt, 1795336215.25 - 3600);
+    }
     EXPECT_EQ(all[1]->createdAt, std::nullopt);  // "...15.25Z"
     EXPECT_EQ(all[2]->createdAt, std::nullopt);  // absent
 }
