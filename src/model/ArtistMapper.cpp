@@ -9,15 +9,15 @@
 namespace tb {
 
 ArtistPtr Artist::parseFrom(const JSON& json) {
-    // An account without an id can't be followed, opened or stored: no record.
-    const std::string id = json["id"].stringValue();
-    if (id.empty()) {
+    // Only what is no account at all gives no record. An account without an id is still
+    // read (its id is then ""): a featured spot or a notification's actor shows it by name.
+    if (!json.isDictionary()) {
         return nullptr;
     }
     using R = MapperReadings;
     auto artist = std::make_shared<Artist>();
     artist->admin = json["is_admin"].boolValue();
-    artist->artistId = id;
+    artist->artistId = json["id"].stringValue();
     artist->banner = json["image_banner"].string();
     artist->bio = json["bio"].string();
     artist->canComment = json["can_comment"].boolValue();

@@ -223,15 +223,28 @@ ItemPtr Item::parsePlaylistFrom(const JSON& json) {
     item->type = json["type"].string();
     item->title = json["title"].string();
     item->urlSlug = json["url_slug"].string();
+    item->featured = json["featuring"].string();
+    item->producer = json["producer"].string();
     item->genre = json["genre"].string();
 
-    // The owner of a playlist is under "artist", not "uploader".
+    // The owner of a playlist is under "artist", not "uploader"; the whole uploader block
+    // is read from there.
     const JSON owner = json["artist"];
     item->artist = owner["name"].string();
     readUploader(*item, owner);
+    item->uploaderImage = owner["image"].string();
+    item->uploaderFollowersCount = followersCount(owner["followers_count"]);
 
+    // A playlist has no stream of its own: no "streaming_url", no length, no waveform.
+    // Everything else of the song's reading applies.
     item->image = R::cleaned(json["image"]);
     R::readSizedImages(*item, json);
+    item->buyURL = R::cleaned(json["buy_link"]);
+    item->streamOnly = R::isYes(json["stream_only"]);
+    item->uploaded = R::dateText(json["released"]);
+    item->videoAd = R::isYes(json["video_ad"]);
+    item->amp = json["amp"].boolValue();
+    item->ampDuration = R::integerFromText(json["amp_duration"]);
     item->banner = json["image_banner"].string();
     item->playlistTracksCount = json["track_count"].intValue();
     item->privatePlaylist = R::isYes(json["private"]);

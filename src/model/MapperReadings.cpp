@@ -1,5 +1,10 @@
 #include "model/MapperReadings.h"
 
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <string_view>
+
 #include "model/DateText.h"
 #include "model/Item.h"
 #include "model/TBDisplayUtils.h"
@@ -10,13 +15,25 @@ namespace tb {
 
 namespace {
 
-std::string trimmedBlanks(const std::string& text) {
-    const auto begin = text.find_first_not_of(" \t\r\n");
-    if (begin == std::string::npos) {
-        return "";
+// A decimal number written as text, wholly: an optional sign, digits with an optional
+// fraction, an optional exponent. Nil for anything else, and for a value no double holds.
+std::optional<double> decimalFromText(std::string_view text) {
+    const bool plus = !text.empty() && text.front() == '+';
+    if (plus) {
+        text.remove_prefix(1);  // the parser takes a "-" only
     }
-    const auto end = text.find_last_not_of(" \t\r\n");
-    return text.substr(begin, end - begin + 1);
+    const std::size_t first = !plus && !text.empty() && text.front() == '-' ? 1 : 0;
+    // The parser would also take "inf" and "nan", which no service writes for a date.
+    if (first >= text.size() ||
+        !(std::isdigit(static_cast<unsigned char>(text[first])) || text[first] == '.')) {
+        return std::nullopt;
+    }
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
+        return std::nullopt;
+    }
+    return value;
 }
 
 }  // namespace
@@ -46,9 +63,7 @@ std::optional<double> MapperReadings::secondsSince1970(const JSON& value) {
         return value.doubleValue();
     }
     if (const auto text = value.string()) {
-        if (const auto whole = TBUtil::integerFromText(*text)) {
-            return static_cast<double>(*whole);
-        }
+        return decimalFromText(*text);
     }
     return std::nullopt;
 }
@@ -80,8 +95,8 @@ std::optional<std::vector<std::int64_t>> MapperReadings::volumeData(const JSON& 
         if (end == std::string::npos) {
             end = text.size();
         }
-        if (const auto sample =
-                TBUtil::integerFromText(trimmedBlanks(text.substr(start, end - start)))) {
+        // Each part by the rule of numbers as text: " 2" and "4.0" are no integers.
+        if (const auto sample = TBUtil::integerFromText(text.substr(start, end - start))) {
             samples.push_back(*sample);
         }
         start = end + 1;

@@ -21,14 +21,16 @@ class MapperReadings {
     static bool isTastemaker(const JSON& value);
     // The string value read as a whole decimal number; 0 when it is none.
     static std::int64_t integerFromText(const JSON& value);
-    // Seconds since 1970: a number, or a text of a whole number. Nil otherwise.
+    // Seconds since 1970, a double: a number, or a text of a decimal number ("1600000000.5").
+    // Nil otherwise.
     static std::optional<double> secondsSince1970(const JSON& value);
     // The long date text of seconds since 1970 (see DateText::longDate), or nil.
     static std::optional<std::string> dateText(const JSON& value);
     // A number's description, or a string as it is; nil for anything else.
     static std::optional<std::string> numberText(const JSON& value);
-    // Samples from a text of integers separated by ",": cleaned, each part trimmed and read
-    // as a whole number, the parts that aren't dropped. Nil when the text is empty.
+    // Samples from a text of integers separated by ",": cleaned, each part read as a number
+    // from text (see TBUtil::integerFromText), the parts that aren't one dropped. Nil when
+    // the text is empty.
     static std::optional<std::vector<std::int64_t>> volumeData(const JSON& value);
 
     // `originalImage` and `smallImage` from "image_base", or both `image` without one.

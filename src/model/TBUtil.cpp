@@ -207,10 +207,7 @@ std::vector<std::string> TBUtil::getFeatArtistsFrom(const std::optional<std::str
     }
     for (const auto part : split(*featured, ",")) {
         for (const auto piece : split(part, " and ")) {
-            std::string name = trimmed(piece);
-            if (!name.empty()) {
-                names.push_back(std::move(name));
-            }
+            names.push_back(trimmed(piece));
         }
     }
     return names;

@@ -37,8 +37,9 @@ class TBUtil {
     // Short statistics: "0", the plain number below 1000, then K, M and B. The value is
     // divided in single precision and cut (never rounded up) to 2, 1 or 0 fraction digits as
     // it is below ten, below a hundred, or from a hundred units on: 9999 -> "9.99K",
-    // 99999 -> "99.9K", 999999 -> "999K", 1000000 -> "1.00M". The digits cut are those of
-    // the shortest decimal that reads back as the same single-precision quotient.
+    // 99999 -> "99.9K", 999999 -> "999K", 1000000 -> "1.00M". The cut works on the exact
+    // binary value of the single-precision quotient, as a formatter rounding down does:
+    // 1170 / 1000 is 1.16999995... in single precision, so 1170 -> "1.16K".
     static std::string formatShortStatNumber(std::int64_t value);
 
     // Full statistics with "," between groups of three: 1234567 -> "1,234,567".
@@ -50,7 +51,8 @@ class TBUtil {
     // A name that would be empty, "." or ".." is made safe instead (see safeFileName).
     static std::string remoteUrlToArtworkFile(std::string_view url, const std::string& documents);
 
-    // The names in a "featuring" text, split on "," and " and ", trimmed; blanks dropped.
+    // The names in a "featuring" text, split on "," and " and ", each trimmed. A part that
+    // is blank stays, as "": "A, , B" -> "A", "", "B". Nil gives no names.
     static std::vector<std::string> getFeatArtistsFrom(const std::optional<std::string>& featured);
 
     // The waveform resampled to `maxTicks` points: point i lies at i * (n - 1) / (maxTicks - 1)

@@ -10,6 +10,7 @@
 #include "model/Artist.h"
 #include "model/Item.h"
 #include "model/TBFeaturedSpot.h"
+#include "model/TBNotification.h"
 
 #include <gtest/gtest.h>
 
@@ -67,12 +68,47 @@ TEST(ArtistMapperTest, PinnedThatIsNoArrayCountsZero) {
     EXPECT_EQ(Artist::parseFrom(JSON(raw))->pinnedCount, 0);
 }
 
-TEST(ArtistMapperTest, AnswerWithoutAnIdGivesNoArtist) {
+TEST(ArtistMapperTest, CreatedIsSecondsSince1970AsANumberOrADecimalText) {
+    nlohmann::json raw = fixture("artist.json").raw();
+    const auto createdOf = [&raw](nlohmann::json value) {
+        raw["created"] = std::move(value);
+        return Artist::parseFrom(JSON(raw))->created;
+    };
+    EXPECT_EQ(createdOf(1600000000), 1600000000.0);
+    EXPECT_EQ(createdOf("1600000000.25"), 1600000000.25);
+    EXPECT_EQ(createdOf("1600000000"), 1600000000.0);
+    EXPECT_EQ(createdOf("-2.5e3"), -2500.0);
+    EXPECT_EQ(createdOf("yesterday"), std::nullopt);
+    EXPECT_EQ(createdOf("12abc"), std::nullopt);
+    EXPECT_EQ(createdOf(nullptr), std::nullopt);
+}
+
+TEST(ArtistMapperTest, AnAccountWithoutAnIdIsStillReadAndOnlyNonDictionariesGiveNothing) {
     nlohmann::json raw = fixture("artist.json").raw();
     raw.erase("id");
-    EXPECT_FALSE(Artist::parseFrom(JSON(raw)));
+    const ArtistPtr withoutId = Artist::parseFrom(JSON(raw));
+    ASSERT_TRUE(withoutId);
+    EXPECT_EQ(withoutId->artistId, "");  // the string value of nothing
+    EXPECT_EQ(withoutId->urlSlug, "ama-k");
+    ASSERT_TRUE(Artist::parseFrom(JSON(nlohmann::json::object())));
+
     EXPECT_FALSE(Artist::parseFrom(JSON()));
     EXPECT_FALSE(Artist::parseFrom(JSON::parse("[1, 2]")));
+    EXPECT_FALSE(Artist::parseFrom(JSON::parse("\"a-1\"")));
+    EXPECT_FALSE(Artist::parseFrom(JSON::parse("null")));
+}
+
+TEST(ArtistMapperTest, ActorsAndSpotsWithoutAnIdKeepTheirAccount) {
+    const auto actor = TBNotification::fromJSON(
+        JSON::parse(R"({"verb": "follow", "actor": {"name": "Anon", "url_slug": "anon"}})"));
+    ASSERT_TRUE(actor);
+    ASSERT_TRUE(actor->actor);
+    EXPECT_EQ(actor->actor->name, "Anon");
+
+    const TBFeaturedSpot spot =
+        TBFeaturedSpot::fromJSON(JSON::parse(R"({"type": "Rising", "ref": {"name": "No Id"}})"));
+    ASSERT_TRUE(spot.artist);
+    EXPECT_EQ(spot.artist->name, "No Id");
 }
 
 class FeaturedSpotTest : public ::testing::Test {

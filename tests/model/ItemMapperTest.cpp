@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Fixtures.h"
+#include "ScopedTimeZone.h"
 #include "model/Item.h"
 #include "model/TBDisplayUtils.h"
 
@@ -26,11 +27,14 @@ JSON songWith(const std::string& key, nlohmann::json value) {
     return JSON(std::move(raw));
 }
 
-// A phone-sized screen, so that the widths asked for differ from the desktop defaults.
+// A phone-sized screen, so that the widths asked for differ from the desktop defaults, in
+// UTC unless a test says otherwise.
 class ItemMapperTest : public ::testing::Test {
   protected:
     void SetUp() override { TBDisplayUtils::init(2.0, 750.0); }
     void TearDown() override { TBDisplayUtils::init(1.0, 1920.0); }
+
+    test::ScopedTimeZone utc_{"UTC0"};
 };
 
 TEST_F(ItemMapperTest, SongReadsTheServiceAnswer) {
@@ -149,9 +153,15 @@ TEST_F(ItemMapperTest, StatisticsAreNumberDescriptionsOrTextAndRanksAreText) {
     EXPECT_EQ(wrong->plays, std::nullopt);
 }
 
-TEST_F(ItemMapperTest, VolumeDataKeepsTheWholeNumbersOfACleanedText) {
+TEST_F(ItemMapperTest, VolumeDataKeepsThePartsThatAreNumbersFromText) {
+    // Each part by the rule of numbers as text, as "duration" is read: no blanks around it,
+    // no fraction; a sign is part of a number.
     EXPECT_EQ(Item::parseItemFrom(fixture("song.json"), false)->volumeData,
-              (Samples{0, 12, 40, 7, 99}));
+              (Samples{0, 12, 7, 99}));
+    EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "1, 2,x,3,,4.0,+5"), false)->volumeData,
+              (Samples{1, 3, 5}));
+    EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "-7,\"8\",9 "), false)->volumeData,
+              (Samples{-7, 8}));
     EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "5"), false)->volumeData, Samples{5});
     EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "a,b"), false)->volumeData, Samples{});
     for (const nlohmann::json& none :
@@ -186,14 +196,27 @@ TEST_F(ItemMapperTest, RepostNameFallsBackToTheRepostKeyOnlyWithoutAText) {
               "Ignored Name");
 }
 
-TEST_F(ItemMapperTest, ReleaseDatesAreLongEnglishDatesInUtc) {
+TEST_F(ItemMapperTest, ReleaseDatesAreLongEnglishDatesOfTheDevicesDay) {
     const auto uploadedOf = [](nlohmann::json value) {
         return Item::parseItemFrom(songWith("released", std::move(value)), false)->uploaded;
     };
     EXPECT_EQ(uploadedOf(0), "January 1, 1970");
     EXPECT_EQ(uploadedOf(-1), "December 31, 1969");
     EXPECT_EQ(uploadedOf(951782400.9), "February 29, 2000");
+    // Seconds since 1970 are a double, in text too.
     EXPECT_EQ(uploadedOf("1700000000"), "November 14, 2023");
+    EXPECT_EQ(uploadedOf("1699919999.5"), "November 13, 2023");
+    EXPECT_EQ(uploadedOf("+1.7e9"), "November 14, 2023");
+    EXPECT_EQ(uploadedOf("-0.5"), "December 31, 1969");
+    for (const char* notSeconds :
+         {"soon", "1700000000 ", " 1700000000", "1e400", "inf", "nan", "+-1", "0x10", "", "."}) {
+        EXPECT_EQ(uploadedOf(notSeconds), std::nullopt) << notSeconds;
+    }
+    {
+        const test::ScopedTimeZone newYork("EST5EDT,M3.2.0,M11.1.0");
+        EXPECT_EQ(uploadedOf(0), "December 31, 1969");
+        EXPECT_EQ(uploadedOf("1700000000"), "November 14, 2023");  // 17:13 there
+    }
     EXPECT_EQ(uploadedOf("soon"), std::nullopt);
     EXPECT_EQ(uploadedOf(1e300), std::nullopt);
     EXPECT_EQ(uploadedOf(nullptr), std::nullopt);
@@ -294,10 +317,50 @@ TEST_F(ItemMapperTest, PlaylistMapperReadsTheOwnerUnderArtist) {
     EXPECT_EQ(playlist->uploaderTwitter, "kemicurates");
     EXPECT_TRUE(playlist->uploaderVerified);
     EXPECT_FALSE(playlist->uploaderTastemaker);
-    EXPECT_EQ(playlist->uploaderImage, std::nullopt);
+    // The whole uploader block comes from the owner; "uploader" is not looked at.
+    EXPECT_EQ(playlist->uploaderImage, "https://img.tunebrook.test/u/5.jpg");
+    EXPECT_EQ(playlist->uploaderFollowersCount, 1200);
+
+    nlohmann::json raw = fixture("playlist.json").raw();
+    raw.erase("artist");
+    const ItemPtr ownerless = Item::parsePlaylistFrom(JSON(raw));
+    ASSERT_TRUE(ownerless);
+    EXPECT_EQ(ownerless->uploaderName, std::nullopt);
+    EXPECT_EQ(ownerless->uploaderImage, std::nullopt);
+    EXPECT_EQ(ownerless->uploaderFollowersCount, std::nullopt);
 }
 
-TEST_F(ItemMapperTest, PlaylistMapperReadsItsOwnFieldsAndNoStreamingData) {
+TEST_F(ItemMapperTest, PlaylistMapperReadsWhatTheSongMapperReadsExceptTheStream) {
+    const ItemPtr playlist = Item::parsePlaylistFrom(fixture("playlist.json"));
+    ASSERT_TRUE(playlist);
+    EXPECT_EQ(playlist->featured, "Ama K");
+    EXPECT_EQ(playlist->producer, "Tobi Beats");
+    EXPECT_EQ(playlist->uploaded, "November 14, 2023");
+    EXPECT_EQ(playlist->buyURL, "https://store.example/pl/31337");  // cleaned
+    EXPECT_TRUE(playlist->streamOnly);
+    EXPECT_TRUE(playlist->videoAd);
+    EXPECT_TRUE(playlist->amp);
+    EXPECT_EQ(playlist->ampDuration, 30);
+    // A playlist has no stream of its own.
+    EXPECT_EQ(playlist->url, std::nullopt);
+    EXPECT_EQ(playlist->duration, 0);
+    EXPECT_EQ(playlist->volumeData, std::nullopt);
+
+    nlohmann::json raw = fixture("playlist.json").raw();
+    for (const char* key : {"featuring", "producer", "released", "buy_link", "stream_only",
+                            "video_ad", "amp", "amp_duration"}) {
+        raw.erase(key);
+    }
+    const ItemPtr bare = Item::parsePlaylistFrom(JSON(raw));
+    ASSERT_TRUE(bare);
+    EXPECT_EQ(bare->featured, std::nullopt);
+    EXPECT_EQ(bare->uploaded, std::nullopt);
+    EXPECT_EQ(bare->buyURL, std::nullopt);
+    EXPECT_FALSE(bare->streamOnly || bare->videoAd || bare->amp);
+    EXPECT_EQ(bare->ampDuration, 0);
+}
+
+TEST_F(ItemMapperTest, PlaylistMapperReadsItsOwnFields) {
     const ItemPtr playlist = Item::parsePlaylistFrom(fixture("playlist.json"));
     ASSERT_TRUE(playlist);
     EXPECT_EQ(playlist->image, "https://img.tunebrook.test/pl/31337.jpg");
@@ -308,9 +371,6 @@ TEST_F(ItemMapperTest, PlaylistMapperReadsItsOwnFieldsAndNoStreamingData) {
     EXPECT_EQ(playlist->created, "January 1, 2020");
     EXPECT_EQ(playlist->lastUpdated, "November 22, 2026");
     EXPECT_EQ(playlist->desc, "Songs for the ring road.");
-    EXPECT_EQ(playlist->url, std::nullopt);
-    EXPECT_EQ(playlist->buyURL, std::nullopt);
-    EXPECT_EQ(playlist->duration, 0);
     EXPECT_EQ(playlist->plays, "99");
     EXPECT_EQ(playlist->favorites, "7");
     EXPECT_EQ(playlist->reposts, "0");

@@ -158,7 +158,12 @@ TEST(TBUtilTest, FeaturedArtistsSplitOnCommasAndAnd) {
     // "and" inside a name is no separator; only " and " is.
     EXPECT_EQ(TBUtil::getFeatArtistsFrom(std::string("Sandy,Andre and  Anders")),
               (std::vector<std::string>{"Sandy", "Andre", "Anders"}));
-    EXPECT_TRUE(TBUtil::getFeatArtistsFrom(std::string(", ,")).empty());
+    // Blank parts are split and trimmed like the others, and stay.
+    EXPECT_EQ(TBUtil::getFeatArtistsFrom(std::string("A, , B")),
+              (std::vector<std::string>{"A", "", "B"}));
+    EXPECT_EQ(TBUtil::getFeatArtistsFrom(std::string(", ,")),
+              (std::vector<std::string>{"", "", ""}));
+    EXPECT_EQ(TBUtil::getFeatArtistsFrom(std::string("")), (std::vector<std::string>{""}));
     EXPECT_TRUE(TBUtil::getFeatArtistsFrom(std::nullopt).empty());
 }
 
