@@ -50,7 +50,22 @@ struct Artist final : ManagedObject {
     static const EntityDescription& entityDescription();
     const EntityDescription& entity() const override { return entityDescription(); }
 
-    // The mapper. Never throws: malformed input gives nil.
+    // The store of the listener's own account. There is at most one saved artist: the
+    // account as the last user record described it. All of these work on the shared
+    // context and answer nil (or do nothing) without a store.
+
+    // A new record inserted into the shared context; a row at the next save.
+    static ArtistPtr newObject();
+    // The saved artist, as last saved; nil when there is none.
+    static ArtistPtr savedArtist();
+    // Makes this record the saved artist and saves: every other Artist row goes, and a
+    // record of no context (as the mapper makes them) is stored as a copy, which
+    // savedArtist() then answers.
+    void cacheObject();
+    // Removes every Artist row and saves.
+    static void removeAll();
+
+    // The mapper. Never throws: anything but a dictionary gives nil.
     static ArtistPtr parseFrom(const JSON& json);
 };
 

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "api/TBDataManager.h"
 #include "model/SafeFileName.h"
+#include "model/store/EntityDescription.h"
+#include "model/store/ObjectContext.h"
 
 namespace tb {
 
@@ -98,6 +101,16 @@ std::vector<ItemPtr> Item::availableItems() const {
 
 std::vector<ItemPtr> Item::availableTracks() const {
     return withoutGeoRestricted(tracks);
+}
+
+ItemPtr Item::newFrom(const ItemPtr& item) {
+    ObjectContext* context = TBDataManager::sharedManager().managedObjectContext().get();
+    if (!context || !item) {
+        return nullptr;
+    }
+    auto copy = context->insertNewObject<Item>();
+    EntityDescription::copyAttributes(*item, *copy);
+    return copy;
 }
 
 }  // namespace tb

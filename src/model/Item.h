@@ -36,6 +36,11 @@ struct Item final : ManagedObject, ItemAttributes {
     std::vector<ItemPtr> availableItems() const;
     std::vector<ItemPtr> availableTracks() const;
 
+    // A full copy of `item`: a new record of "Item" inserted into the shared context (a row
+    // at the next save), with every stored attribute copied by name, nil values included.
+    // Nil without a store, or without an item.
+    static ItemPtr newFrom(const ItemPtr& item);
+
     // The mappers. They never throw: malformed input gives nil.
     static ItemPtr parseItemFrom(const JSON& json, bool ignoreGeoRestricted);
     static ItemPtr parsePlaylistFrom(const JSON& json);
