@@ -1,4 +1,5 @@
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -27,6 +28,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::Optional;
+
+const std::string kTrickleChunk(100, 't');
 
 // A port on loopback that nothing listens on: bound, then closed again.
 int closedPort() {
@@ -68,6 +71,33 @@ class CurlHttpTransportTest : public ::testing::Test {
             std::unique_lock lock(slowMutex_);
             slowReleased_.wait_for(lock, std::chrono::seconds(10), [this] { return released_; });
             response.set_content("late", "text/plain");
+        });
+        server_.Get("/trickle", [](const httplib::Request&, httplib::Response& response) {
+            // 25 chunks, 100 ms apart: 2.5 seconds of a slow answer that keeps flowing. (Of a
+            // type the server doesn't compress, which would hold the chunks back.)
+            response.set_chunked_content_provider(
+                "application/octet-stream", [](size_t offset, httplib::DataSink& sink) {
+                    if (offset >= 25 * kTrickleChunk.size()) {
+                        sink.done();
+                        return true;
+                    }
+                    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                    return sink.write(kTrickleChunk.data(), kTrickleChunk.size());
+                });
+        });
+        server_.Get("/stall", [this](const httplib::Request&, httplib::Response& response) {
+            // Sends the head and a byte of the body, then nothing more. (One byte: more would
+            // keep curl's running average of the speed up for a few seconds longer.)
+            response.set_chunked_content_provider(
+                "application/octet-stream", [this](size_t offset, httplib::DataSink& sink) {
+                    if (offset == 0) {
+                        return sink.write("0", 1);
+                    }
+                    std::unique_lock lock(slowMutex_);
+                    slowReleased_.wait_for(lock, std::chrono::seconds(10),
+                                           [this] { return released_; });
+                    return false;
+                });
         });
         server_.Get("/big", [](const httplib::Request&, httplib::Response& response) {
             response.set_content(bigBody(), "application/octet-stream");
@@ -206,7 +236,7 @@ TEST_F(CurlHttpTransportTest, FollowsRedirectsAndReportsTheFinalAddress) {
     EXPECT_EQ(result.response->url, url("/hello"));
 }
 
-TEST_F(CurlHttpTransportTest, ATransferPastItsTimeOutFailsWithTimedOut) {
+TEST_F(CurlHttpTransportTest, AnAnswerIdleForItsTimeOutFailsWithTimedOut) {
     auto slow = request("GET", "/slow");
     slow.timeoutSeconds = 0.3;
     const HttpResult result = perform(slow);
@@ -215,6 +245,22 @@ TEST_F(CurlHttpTransportTest, ATransferPastItsTimeOutFailsWithTimedOut) {
     EXPECT_EQ(result.error->domain, URLError::kDomain);
     EXPECT_EQ(result.error->code, URLError::kTimedOut);
     EXPECT_EQ(result.error->userInfo.at("NSErrorFailingURLStringKey"), url("/slow"));
+
+    // A body that stops flowing half way times out the same way.
+    auto stalled = request("GET", "/stall");
+    stalled.timeoutSeconds = 0.3;
+    EXPECT_EQ(perform(stalled).error->code, URLError::kTimedOut);
+}
+
+TEST_F(CurlHttpTransportTest, ASlowAnswerThatKeepsFlowingIsNotCutByItsTimeOut) {
+    auto trickle = request("GET", "/trickle");
+    trickle.timeoutSeconds = 1.0;  // the whole answer takes two and a half times as long
+    const auto started = std::chrono::steady_clock::now();
+    const HttpResult result = perform(trickle);
+
+    ASSERT_TRUE(result.ok()) << (result.error ? result.error->message : "");
+    EXPECT_EQ(result.response->body.size(), 25 * kTrickleChunk.size());
+    EXPECT_GT(std::chrono::steady_clock::now() - started, std::chrono::seconds(2));
 }
 
 TEST_F(CurlHttpTransportTest, CancelCompletesOnceWithCancelled) {

@@ -231,9 +231,15 @@ bool configure(Transfer& transfer) {
     curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
     curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "");
     if (request.timeoutSeconds > 0.0) {
+        // The time-out is an idle time-out, not a bound on the whole transfer: a long
+        // download or a slow answer that keeps flowing must not be cut. Connecting gets the
+        // time-out; after that, a transfer fails once less than a byte a second has moved
+        // for that long (curl counts the stall in whole seconds).
         const long millis =
             std::max(1L, static_cast<long>(std::ceil(request.timeoutSeconds * 1000.0)));
-        curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, millis);
+        curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, millis);
+        curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
+        curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, std::max(1L, (millis + 999) / 1000));
     }
     setMethodAndBody(easy, request);
     transfer.headerList = headerListFor(request.headers);

@@ -14,8 +14,10 @@ class MainQueue;
 // posted to the main queue exactly once.
 //
 // Details the callers rely on:
-// - timeoutSeconds bounds the whole transfer (connect, redirects and body); zero or less
-//   means no limit, for long downloads.
+// - timeoutSeconds is an idle time-out, as the platform's request time-out is: connecting
+//   may take that long, and afterwards the transfer fails with -1001 once it has moved less
+//   than a byte a second for that long (rounded up to whole seconds). A slow answer that
+//   keeps flowing is never cut. Zero or less means no limit.
 // - Redirects are followed (at most 10, http and https only); TLS peers are verified.
 // - An HTTP status of any value is a response. Transfer failures carry URLError codes:
 //   -1001 timed out, -999 cancelled, -1003 host not found, -1004 cannot connect, -1009 not
