@@ -209,8 +209,12 @@ std::string CatalogueOutput::failureText(const TBFailureInfo& failure) {
     if (failure.isEmpty) {
         return "the service's answer could not be read";
     }
+    // A 2xx answer that failed all the same (a body that could not be read) is told by its
+    // error: "the service answered 200" would read as if nothing went wrong.
+    const bool statusFailed =
+        failure.statusCode != 0 && (failure.statusCode < 200 || failure.statusCode > 299);
     std::string line;
-    if (failure.statusCode != 0) {
+    if (statusFailed || (failure.statusCode != 0 && !failure.error)) {
         line = "the service answered " + std::to_string(failure.statusCode);
         const JSON body = failure.responseJSON();
         const auto message =

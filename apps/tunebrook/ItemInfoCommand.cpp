@@ -24,9 +24,13 @@ std::string ItemInfoCommand::description() const {
 }
 
 void ItemInfoCommand::configure(CLI::App& command) {
+    // The shared link of a song or album names its uploader and its own slug; the service
+    // answers that form under "music/" as it is.
     const std::string what = kind_ == Kind::playlist
-                                 ? "The playlist's id or slug"
-                                 : "The id, or uploader-slug/" + name() + "/" + name() + "-slug";
+                                 ? "The playlist's id, or OWNER/SLUG as in its shared link"
+                                 : "The " + name() +
+                                       "'s id, or UPLOADER/SLUG as in its shared link (UPLOADER/" +
+                                       name() + "/SLUG also works)";
     command.add_option("ID", identifier_, what)->required();
 }
 

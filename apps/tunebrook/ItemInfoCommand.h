@@ -7,8 +7,8 @@
 namespace tb {
 
 // `tunebrook song ID`, `album ID`, `playlist ID`: one item as the service describes it,
-// with its tracks. Songs and albums may be named by their slugs too, as the service's paths
-// hold them: "uploader-slug/album/album-slug".
+// with its tracks. Each may be named by slugs too, as its shared link holds them:
+// "UPLOADER/SLUG" (the older "UPLOADER/album/SLUG" still works for songs and albums).
 class ItemInfoCommand : public CatalogueCommand {
   public:
     enum class Kind { song, album, playlist };

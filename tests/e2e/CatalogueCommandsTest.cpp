@@ -208,6 +208,18 @@ TEST_F(CatalogueCommandsTest, FailuresAreToldOnStderrWithAStatusAndNeverHang) {
     EXPECT_EQ(broken.status, 1);
     EXPECT_THAT(broken.err, HasSubstr("answered 500"));
     EXPECT_THAT(broken.out, Not(HasSubstr(" 1. ")));
+
+    // A 200 whose body can't be read is told by what went wrong, not by its status.
+    postAdmin("/admin/faults", {{"method", "GET"},
+                                {"path", "music/recent"},
+                                {"action", "status"},
+                                {"status", 200},
+                                {"body", "<html>busy</html>"},
+                                {"times", 1}});
+    const AppRun unreadable = app({"recent"});
+    EXPECT_EQ(unreadable.status, 1);
+    EXPECT_THAT(unreadable.err, HasSubstr("isn't in the correct format"));
+    EXPECT_THAT(unreadable.err, Not(HasSubstr("answered 200")));
 }
 
 TEST_F(CatalogueCommandsTest, ADeadServiceIsToldAtOnce) {
