@@ -152,6 +152,10 @@ TEST_F(CatalogueCommandsTest, AnAlbumByIdAndBySlugIsTheSameAlbumWithItsTracks) {
                              album["url_slug"].get<std::string>();
     const json bySlug = appJSON({"album", slug});
     EXPECT_EQ(bySlug["item"]["itemID"], id);
+    // The two slugs alone, as a shared link names the album.
+    const json byLink = appJSON({"album", album["uploader"]["url_slug"].get<std::string>() + "/" +
+                                              album["url_slug"].get<std::string>()});
+    EXPECT_EQ(byLink["item"]["itemID"], id);
 }
 
 TEST_F(CatalogueCommandsTest, AnArtistAndTheirUploadsAndAnAccountSearch) {
