@@ -95,7 +95,8 @@ void CatalogueOutput::items(const std::vector<ItemPtr>& items,
     if (pagingToken) {
         out_ << "More: paging token " << *pagingToken << std::endl;
     } else if (nextPage) {
-        out_ << "More: --page " << *nextPage << std::endl;
+        // Numbered pages don't say whether another follows; the next one may be empty.
+        out_ << "Next page: --page " << *nextPage << std::endl;
     }
 }
 

@@ -186,7 +186,7 @@ TEST_F(CatalogueCommandsTest, PeopleGetNumberedLinesAndThePageThatFollows) {
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("launch: featured music -> requested"));
     EXPECT_THAT(run.out, HasSubstr("\n 1. "));
-    EXPECT_THAT(run.out, HasSubstr("More: --page 2"));
+    EXPECT_THAT(run.out, HasSubstr("Next page: --page 2"));
 
     const AppRun featured = app({"featured"});
     ASSERT_EQ(featured.status, 0) << featured.err;
