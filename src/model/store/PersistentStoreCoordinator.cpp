@@ -1,6 +1,8 @@
 #include "model/store/PersistentStoreCoordinator.h"
 
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include <sqlite3.h>
@@ -17,17 +19,25 @@ namespace {
 
 constexpr int kBusyTimeoutMilliseconds = 2000;
 
+// The one text a pragma answers with; nothing (and `error` set) when it can't be read.
+std::optional<std::string> pragmaText(SqliteDatabase& database,
+                                      const char* pragma,
+                                      SqliteError* error) {
+    auto statement = database.prepare(pragma, error);
+    if (!statement || statement->step(error) != SqliteStatement::Step::row) {
+        return std::nullopt;
+    }
+    return std::string(statement->columnText(0));
+}
+
 // Switches the file to write-ahead logging. This is the first read of the file: a file that
 // is not a database fails here.
 bool useWriteAheadLog(SqliteDatabase& database, SqliteError* error) {
-    auto statement = database.prepare("PRAGMA journal_mode=WAL", error);
-    if (!statement) {
+    const auto mode = pragmaText(database, "PRAGMA journal_mode=WAL", error);
+    if (!mode) {
         return false;
     }
-    if (statement->step(error) != SqliteStatement::Step::row) {
-        return false;
-    }
-    if (statement->columnText(0) != "wal") {
+    if (*mode != "wal") {
         *error = SqliteError{SQLITE_CANTOPEN, SQLITE_CANTOPEN, 0,
                              "write-ahead logging is not available for this file"};
         return false;
@@ -60,17 +70,13 @@ bool configure(SqliteDatabase& database, SqliteError* error) {
 // quick check walks every page once (without comparing indexes to their tables), so such a
 // file is found here and takes the corrupt store's way: it is rebuilt.
 bool pagesAreSound(SqliteDatabase& database, SqliteError* error) {
-    auto statement = database.prepare("PRAGMA quick_check(1)", error);
-    if (!statement) {
+    const auto verdict = pragmaText(database, "PRAGMA quick_check(1)", error);
+    if (!verdict) {
         return false;
     }
-    if (statement->step(error) != SqliteStatement::Step::row) {
-        return false;
-    }
-    const std::string verdict(statement->columnText(0));
-    if (verdict != "ok") {
+    if (*verdict != "ok") {
         *error = SqliteError{SQLITE_CORRUPT, SQLITE_CORRUPT, 0,
-                             "database disk image is malformed: " + verdict};
+                             "database disk image is malformed: " + *verdict};
         return false;
     }
     return true;
