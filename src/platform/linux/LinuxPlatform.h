@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "app/AppContext.h"
+#include "platform/AppPorts.h"
 #include "platform/Paths.h"
 
 namespace tb {
