@@ -166,7 +166,8 @@ int main(int argc, char** argv) {
     tb::AppOptions appOptions;
     appOptions.paths = options.paths;
     tb::AppContext context(platform->ports(), appOptions);
-    auto& data = tb::TBDataManager::sharedManager();
+    auto& data = context.dataManager();
+    auto& dao = context.itemDAO();
     data.startup();
     auto& store = *data.managedObjectContext();
 
@@ -194,11 +195,9 @@ int main(int argc, char** argv) {
         const double ours = millisecondsOf(
             [&] {
                 store.reset();  // rows come from the file, not from the identity map
-                ourCount =
-                    tb::ItemDAO::fetch(
-                        tb::ItemDAO::offlineSongsPredicate(),
-                        {tb::ItemDAO::sortDescriptorFor(tb::category::OfflineSorting::newest)})
-                        ->size();
+                ourCount = dao.fetch(dao.offlineSongsPredicate(),
+                                     {dao.sortDescriptorFor(tb::category::OfflineSorting::newest)})
+                               ->size();
             },
             5);
         const double theirs = millisecondsOf([&] { rawCount = raw.readAll(); }, 5);
@@ -219,7 +218,7 @@ int main(int argc, char** argv) {
         const double oursMs = millisecondsOf(
             [&] {
                 auto request = tb::FetchRequest::fetchRequestWithEntityName("Item");
-                request.predicate = tb::ItemDAO::allDownloadsCompletedPredicate();
+                request.predicate = dao.allDownloadsCompletedPredicate();
                 ours = store.countForFetchRequest(request).value_or(-1);
             },
             20);
@@ -253,7 +252,7 @@ int main(int argc, char** argv) {
             [&] {
                 ours = 0;
                 for (const auto& id : ids) {
-                    ours += tb::ItemDAO::isDownloaded(id) ? 1 : 0;
+                    ours += dao.isDownloaded(id) ? 1 : 0;
                 }
             },
             3);
@@ -287,7 +286,7 @@ int main(int argc, char** argv) {
         const double ours = millisecondsOf(
             [&] {
                 store.reset();
-                ourCount = tb::ItemDAO::fetch(tb::ItemDAO::offlineSearchPredicateFor("ig"))->size();
+                ourCount = dao.fetch(dao.offlineSearchPredicateFor("ig"))->size();
             },
             5);
         const double theirs = millisecondsOf([&] { rawCount = raw.readAll(); }, 5);
@@ -334,7 +333,7 @@ int main(int argc, char** argv) {
     // One changed field saved while the downloaded half of the library is held.
     {
         store.reset();
-        const auto held = tb::ItemDAO::fetch(tb::ItemDAO::offlineAllPredicate());
+        const auto held = dao.fetch(dao.offlineAllPredicate());
         auto status = store.insertNewObject<tb::BookmarkStatus>();
         status->itemID = "100000";
         if (!held || !store.save()) {

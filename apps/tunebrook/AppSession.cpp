@@ -4,6 +4,7 @@
 
 #include "app/AppContext.h"
 #include "app/TBAppDelegate.h"
+#include "core/TBLinks.h"
 #include "core/TunebrookKeys.h"
 #include "platform/Fatal.h"
 #include "platform/RunLoop.h"
@@ -18,7 +19,7 @@ constexpr const char* kErrorDomain = "tunebrook";
 
 AppSession::AppSession(SessionOptions options) : options_(std::move(options)) {}
 
-// The context goes first: its singletons may still reach the ports while they go.
+// The context goes first: its managers may still reach the ports while they go.
 AppSession::~AppSession() {
     context_.reset();
     platform_.reset();
@@ -31,14 +32,14 @@ std::optional<Error> AppSession::launch(std::ostream& out) {
     appOptions.appVersion = TB_VERSION;
 
     // The key store is read before anything is made, so that a broken one leaves no trace;
-    // reachability watches the live service's host, which it names.
+    // reachability watches the service's web host, which it names.
     const TunebrookKeys keys(TunebrookKeys::pathFor(appOptions));
     if (keys.error()) {
         return keys.error();
     }
     LinuxPlatformOptions platformOptions;
     platformOptions.paths = appOptions.paths;
-    platformOptions.serviceBaseURL = keys.wsUrlLive();
+    platformOptions.serviceBaseURL = TBLinks::webHostFor(appOptions, keys);
     // A run under its own home leaves the desktop's keyring alone.
     platformOptions.fileKeychainOnly = !options_.home.empty();
     std::string reason;
@@ -48,7 +49,7 @@ std::optional<Error> AppSession::launch(std::ostream& out) {
     }
 
     context_ = std::make_unique<AppContext>(platform_->ports(), std::move(appOptions));
-    auto& app = context_->singleton<TBAppDelegate>();
+    auto& app = context_->appDelegate();
     if (auto error = app.didFinishLaunchingWithOptions()) {
         return error;
     }

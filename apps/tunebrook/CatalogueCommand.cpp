@@ -27,7 +27,7 @@ std::string joined(const Values& values, Name name) {
 
 int CatalogueCommand::run(AppSession& session) {
     CatalogueOutput output(std::cout, session.jsonOutput());
-    start(session.context().singleton<TBDataManager>(), output);
+    start(session.context().dataManager(), output);
     if (!session.runUntil([this] { return done_; }, kWaitSeconds)) {
         std::cerr << "tunebrook: " << name() << ": no answer from the service in "
                   << static_cast<int>(kWaitSeconds) << " s" << std::endl;

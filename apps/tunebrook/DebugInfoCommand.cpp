@@ -5,6 +5,7 @@
 
 #include "AppSession.h"
 #include "Command.h"
+#include "app/AppContext.h"
 #include "model/ItemDAO.h"
 
 namespace tb {
@@ -23,7 +24,7 @@ class DebugInfoCommand final : public Command {
     void configure(CLI::App& /*command*/) override {}
 
     int run(AppSession& session) override {
-        const auto attachments = ItemDAO::sendDebugInfo();
+        const auto attachments = session.context().itemDAO().sendDebugInfo();
         if (!attachments) {
             std::cerr << "debug-info: the export could not be written" << std::endl;
             return 1;

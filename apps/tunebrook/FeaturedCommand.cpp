@@ -19,7 +19,7 @@ class FeaturedCommand final : public Command {
     void configure(CLI::App&) override {}
 
     int run(AppSession& session) override {
-        auto& data = session.context().singleton<TBDataManager>();
+        auto& data = session.context().dataManager();
         if (!session.runUntil([&data] { return !data.featuredSpots().empty(); }, kWaitSeconds)) {
             std::cerr << "tunebrook: featured: no featured spots came from the service"
                       << std::endl;

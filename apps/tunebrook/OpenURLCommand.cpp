@@ -32,7 +32,7 @@ class OpenURLCommand final : public Command {
     }
 
     int run(AppSession& session) override {
-        auto& app = session.context().singleton<TBAppDelegate>();
+        auto& app = session.context().appDelegate();
         if (!app.applicationOpenURL(url_)) {
             std::cout << "open: not taken" << std::endl;
             return 1;

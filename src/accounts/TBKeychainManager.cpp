@@ -7,7 +7,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/AppContext.h"
 #include "platform/JsonLimits.h"
 #include "platform/KeychainStore.h"
 
@@ -160,9 +159,6 @@ std::optional<std::string> olderString(const std::string& text) {
 }
 
 }  // namespace
-
-TBKeychainManager::TBKeychainManager(AppContext& context)
-    : TBKeychainManager(context.keychain(), context.olderKeychain()) {}
 
 TBKeychainManager::TBKeychainManager(KeychainStore& current, KeychainStore& older)
     : current_(current), older_(older) {}

@@ -6,7 +6,6 @@
 
 namespace tb {
 
-class AppContext;
 class KeychainStore;
 
 // Typed values in the keychain. Every entry of the current store is the JSON of a wrapper
@@ -21,7 +20,6 @@ class KeychainStore;
 // keychain refuses is dropped: the next read gives the old value or none.
 class TBKeychainManager {
   public:
-    explicit TBKeychainManager(AppContext& context);
     TBKeychainManager(KeychainStore& current, KeychainStore& older);
 
     std::optional<std::string> stringForKey(const std::string& key);

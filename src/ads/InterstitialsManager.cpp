@@ -1,8 +1,8 @@
 #include "ads/InterstitialsManager.h"
 
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "platform/Clock.h"
+#include "platform/SharedInstance.h"
 #include "platform/UserDefaults.h"
 
 namespace tb {
@@ -13,14 +13,11 @@ const char* timestampKey() {
 }
 }  // namespace
 
-InterstitialsManager::InterstitialsManager(AppContext& context)
-    : InterstitialsManager(context.defaults().standard(), context.clock()) {}
-
 InterstitialsManager::InterstitialsManager(UserDefaults& defaults, const Clock& clock)
     : defaults_(defaults), clock_(clock) {}
 
 InterstitialsManager& InterstitialsManager::shared() {
-    return AppContext::current().singleton<InterstitialsManager>();
+    return SharedInstance<InterstitialsManager>::get();
 }
 
 bool InterstitialsManager::isFreshInstall() const {

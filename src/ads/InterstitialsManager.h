@@ -2,7 +2,6 @@
 
 namespace tb {
 
-class AppContext;
 class Clock;
 class UserDefaults;
 
@@ -12,7 +11,6 @@ class UserDefaults;
 // regular clock already past due at the next start.
 class InterstitialsManager {
   public:
-    explicit InterstitialsManager(AppContext& context);
     InterstitialsManager(UserDefaults& defaults, const Clock& clock);
 
     static InterstitialsManager& shared();

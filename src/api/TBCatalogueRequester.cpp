@@ -7,7 +7,6 @@
 #include "api/TBReachabilityManager.h"
 #include "api/TBSessionGateHolder.h"
 #include "api/TBXAuthClientManager.h"
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "core/TBToastUtils.h"
 #include "platform/ErrorReporter.h"
@@ -32,7 +31,7 @@ struct TBCatalogueRequester::Call {
     TBFailureBlock failure;
 };
 
-TBCatalogueRequester::TBCatalogueRequester(AppContext& context) : context_(context) {}
+TBCatalogueRequester::TBCatalogueRequester(Collaborators with) : with_(with) {}
 
 TBCatalogueRequester::~TBCatalogueRequester() = default;
 
@@ -73,15 +72,14 @@ void TBCatalogueRequester::fail(const std::shared_ptr<const Call>& call,
     if (operation.isCancelled() || error.code == URLError::kCancelled) {
         return;
     }
-    const bool offline = context_.singleton<TBReachabilityManager>().isOffline();
+    const bool offline = with_.reachability.isOffline();
     const bool timedOut = error.code == URLError::kTimedOut;
-    context_.errorReporter().recordError(
+    with_.errors.recordError(
         error, {{"Reachable", trueOrFalse(!offline)}, {"TimedOut", trueOrFalse(timedOut)}});
     if (offline || timedOut) {
-        context_.singleton<TBToastUtils>().showOfflineToast();
+        with_.toasts.showOfflineToast();
     }
-    if (operation.statusCode() == kUnauthorizedStatus &&
-        context_.singleton<TBSessionGateHolder>().gate().loggedIn()) {
+    if (operation.statusCode() == kUnauthorizedStatus && with_.session.gate().loggedIn()) {
         refreshAndRepeat(call, operation);
         return;
     }
@@ -93,11 +91,10 @@ void TBCatalogueRequester::fail(const std::shared_ptr<const Call>& call,
 void TBCatalogueRequester::refreshAndRepeat(const std::shared_ptr<const Call>& call,
                                             const AFHTTPRequestOperation& operation) {
     const auto& codes = TBConstants::TBCrashlyticsErrorCodes();
-    context_.errorReporter().recordError(
-        Error{codes.tunebrookErrorDomain, codes.unauthorized, "", {}},
-        {{"url", call->url}, {"response", operation.responseString()}});
+    with_.errors.recordError(Error{codes.tunebrookErrorDomain, codes.unauthorized, "", {}},
+                             {{"url", call->url}, {"response", operation.responseString()}});
     const std::weak_ptr<bool> alive = alive_;
-    context_.singleton<TBSessionGateHolder>().gate().refreshToken(
+    with_.session.gate().refreshToken(
         [this, alive, call] {
             if (alive.lock()) {
                 send(call, false);
@@ -111,7 +108,7 @@ void TBCatalogueRequester::refreshAndRepeat(const std::shared_ptr<const Call>& c
 }
 
 AFXAuthClient& TBCatalogueRequester::client() {
-    return context_.singleton<TBXAuthClientManager>().client();
+    return with_.clients.client();
 }
 
 }  // namespace tb

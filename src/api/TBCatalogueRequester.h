@@ -12,7 +12,11 @@ namespace tb {
 
 class AFHTTPRequestOperation;
 class AFXAuthClient;
-class AppContext;
+class ErrorReporter;
+class TBReachabilityManager;
+class TBSessionGateHolder;
+class TBToastUtils;
+class TBXAuthClientManager;
 struct Error;
 
 // Sends the catalogue's generic calls on the form client and takes their failures the one
@@ -33,7 +37,15 @@ class TBCatalogueRequester {
     // Gets the parsed answer of a successful call (null for an empty body).
     using Answer = std::function<void(const nlohmann::json& responseObject)>;
 
-    explicit TBCatalogueRequester(AppContext& context);
+    struct Collaborators {
+        TBXAuthClientManager& clients;
+        TBReachabilityManager& reachability;
+        TBToastUtils& toasts;
+        TBSessionGateHolder& session;
+        ErrorReporter& errors;
+    };
+
+    explicit TBCatalogueRequester(Collaborators with);
     ~TBCatalogueRequester();
     TBCatalogueRequester(const TBCatalogueRequester&) = delete;
     TBCatalogueRequester& operator=(const TBCatalogueRequester&) = delete;
@@ -56,7 +68,7 @@ class TBCatalogueRequester {
                           const AFHTTPRequestOperation& operation);
     AFXAuthClient& client();
 
-    AppContext& context_;
+    Collaborators with_;
     // Answers that arrive after this object is gone find this expired and do nothing.
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };

@@ -1,12 +1,10 @@
 #pragma once
 
-// TBDataManager has two halves that share this one class:
-//   - the object store: the model, the coordinator and the one context of the app
-//     (implemented in TBDataManagerStore.cpp);
-//   - the catalogue client: the service's catalogue operations (getItems, getAlbumInfo...,
-//     getDownloads, ...), implemented in files of their own beside this one.
-// Each half keeps its declarations and its members in its own section below, so that the
-// two grow without touching each other. Keep the catalogue out of the store section.
+// TBDataManager is the system's data manager: the object store it inherits from the model
+// (TBDataManagerStore: startup, managedObjectContext, recreateDatabase, ...) and the
+// catalogue client, the service's catalogue operations (getItems, getAlbumInfo...,
+// getDownloads, ...) declared here and implemented in files of their own beside this one.
+// Code of the model takes the store alone; only the catalogue lives here.
 
 #include <memory>
 #include <optional>
@@ -17,72 +15,34 @@
 
 #include "api/NextPageData.h"
 #include "api/TBCatalogueBlocks.h"
+#include "api/TBCatalogueRequester.h"
+#include "model/TBDataManagerStore.h"
+#include "model/TBFeaturedSpot.h"
 
 namespace tb {
 
-class AppContext;
 class JSON;
-class ManagedObjectModel;
-class ObjectContext;
-class PersistentStoreCoordinator;
-struct TBFeaturedSpot;
+class MainQueue;
+class NotificationCenter;
+class RandomSource;
+class TBServiceEnvironment;
 
-class TBDataManager {
+class TBDataManager : public TBDataManagerStore {
   public:
-    explicit TBDataManager(AppContext& context);
-    ~TBDataManager();
-    TBDataManager(const TBDataManager&) = delete;
-    TBDataManager& operator=(const TBDataManager&) = delete;
+    // What the catalogue half talks through.
+    struct Catalogue {
+        TBServiceEnvironment& environment;
+        TBCatalogueRequester::Collaborators requests;
+        MainQueue& queue;
+        NotificationCenter& notifications;
+        RandomSource& random;
+    };
+
+    TBDataManager(std::string documentsDirectory, ErrorReporter& errors, Catalogue catalogue);
+    ~TBDataManager() override;
 
     static TBDataManager& sharedManager();
 
-    // ---- Object store ------------------------------------------------------------------
-    //
-    // The store is "CoreData.sqlite" in the documents directory, in write-ahead mode (its
-    // "-wal" and "-shm" beside it). Everything runs on the main queue.
-
-    // Opens the store. Called once by the launch, before any other store access.
-    void startup();
-
-    // Each builds its object on first use and answers with the same one after that.
-    const ManagedObjectModel& loadManagedObjectModel();
-    // Adds the store on first use. A store that can't be opened is handed to the error
-    // policy (TBCoreDataManager::handleError with onStartup true), which may rebuild it;
-    // the answer is the coordinator kept after that, with or without a store behind it.
-    std::shared_ptr<PersistentStoreCoordinator> loadPersistentStoreCoordinator();
-    // The one context, over the coordinator. Then marks the store's three files as not to
-    // be backed up; a file that is missing at that point is a fault that stops the process.
-    std::shared_ptr<ObjectContext> loadManagedObjectContext();
-
-    // The destructive rebuild: closes and deletes the store and its two sidecars, then opens
-    // a fresh empty one. Every row is gone afterwards; audio files are not touched.
-    void recreateDatabase();
-
-    std::string applicationDocumentsDirectory() const;
-    // "<documents>/CoreData.sqlite".
-    std::string storePath() const;
-
-    // Marks the file as not to be backed up: the extended attribute
-    // "user.xdg.robots.backup" = "false" that backup tools of the desktop honour. The file
-    // must exist (a missing one stops the process). False when the file system refuses the
-    // attribute.
-    bool addSkipBackupAttributeToItemAtURL(const std::string& path);
-
-    // The strict save: a failure stops the process. Nothing in normal flow uses it; the save
-    // everybody calls is TBCoreDataManager::save.
-    void saveManagedObjectContext();
-
-    // What is kept now; null (nil) before startup, or when nothing could be built.
-    const std::shared_ptr<ObjectContext>& managedObjectContext() const {
-        return managedObjectContext_;
-    }
-    const std::shared_ptr<PersistentStoreCoordinator>& persistentStoreCoordinator() const {
-        return persistentStoreCoordinator_;
-    }
-    const ManagedObjectModel* managedObjectModel() const { return managedObjectModel_.get(); }
-
-    // ---- Catalogue client --------------------------------------------------------------
-    //
     // The service's catalogue, asked through the form client (TBXAuthClientManager::client)
     // on the base URL below, with the service path appended. Every block runs on the main
     // queue. List operations return the call they made (service path and parameters), so a
@@ -97,13 +57,12 @@ class TBDataManager {
     // TBCatalogueRequester). The failure block then gets the failure dictionary.
 
     // The environment: the live or the test host of the key store. The launch chooses
-    // before anything else of this class runs; baseURL() ends in a slash.
+    // before anything else of this class runs; baseURL() ends in a slash. The static forms
+    // are the system's, on the shared manager.
     static void useProd();
     static void useDev();
-    static void useProd(AppContext& context);
-    static void useDev(AppContext& context);
     static std::string baseURL();
-    static std::string baseURL(AppContext& context);
+    std::string serviceBaseURL() const;
 
     // The generic core. GET (or `method`, which must be a method the client knows) on
     // baseURL + service; the answer is mapped as follows: a dictionary whose "results" is an
@@ -291,16 +250,6 @@ class TBDataManager {
                            TBFailureBlock failure);
 
   private:
-    AppContext& context_;
-
-    // ---- Object store ----
-    std::unique_ptr<ManagedObjectModel> managedObjectModel_;
-    std::shared_ptr<PersistentStoreCoordinator> persistentStoreCoordinator_;
-    std::shared_ptr<ObjectContext> managedObjectContext_;
-
-    // ---- Catalogue client ----
-    struct Catalogue;
-    Catalogue& catalogue() const;
     // A call whose answer is read whole, with no list mapping; a null answer fails with the
     // empty dictionary, as in dataForService.
     void answerForService(const std::string& method,
@@ -314,8 +263,10 @@ class TBDataManager {
                          TBJSONSuccess success,
                          TBFailureBlock failure);
 
-    // Made on first use; shared so that the store half's destructor needn't know it.
-    mutable std::shared_ptr<Catalogue> catalogue_;
+    Catalogue with_;
+    TBCatalogueRequester requester_;
+    std::vector<TBFeaturedSpot> featuredSpots_;
+    std::optional<TBFeaturedSpot> featuredSpot_;
 };
 
 }  // namespace tb

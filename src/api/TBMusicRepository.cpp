@@ -4,7 +4,6 @@
 
 #include "api/TBDataManager.h"
 #include "api/TBFailureInfo.h"
-#include "app/AppContext.h"
 #include "model/Item.h"
 
 namespace tb {
@@ -12,9 +11,6 @@ namespace tb {
 Error TBMusicDataSourceError::make(Code code, const std::string& message) {
     return Error{kDomain, code, message, {}};
 }
-
-TBMusicRepository::TBMusicRepository(AppContext& context)
-    : TBMusicRepository(context.singleton<TBDataManager>(), context.mainQueue()) {}
 
 TBMusicRepository::TBMusicRepository(TBDataManager& dataManager, MainQueue& queue)
     : dataManager_(dataManager), queue_(queue) {}

@@ -5,7 +5,6 @@
 
 namespace tb {
 
-class AppContext;
 class MainQueue;
 class TBDataManager;
 struct TBFailureInfo;
@@ -16,7 +15,6 @@ struct TBFailureInfo;
 // item also rejects with failed.
 class TBMusicRepository final : public TBMusicDataSource {
   public:
-    explicit TBMusicRepository(AppContext& context);
     TBMusicRepository(TBDataManager& dataManager, MainQueue& queue);
 
     Promise<std::vector<ItemPtr>> getHighlightsWithUserSlug(const std::optional<std::string>& slug,

@@ -1,14 +1,11 @@
 #include "api/TBReachabilityManager.h"
 
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Reachability.h"
+#include "platform/SharedInstance.h"
 
 namespace tb {
-
-TBReachabilityManager::TBReachabilityManager(AppContext& context)
-    : TBReachabilityManager(&context.reachability(), context.notificationCenter()) {}
 
 TBReachabilityManager::TBReachabilityManager(Reachability* reachability,
                                              NotificationCenter& notifications)
@@ -17,7 +14,7 @@ TBReachabilityManager::TBReachabilityManager(Reachability* reachability,
 TBReachabilityManager::~TBReachabilityManager() = default;
 
 TBReachabilityManager& TBReachabilityManager::shared() {
-    return AppContext::current().singleton<TBReachabilityManager>();
+    return SharedInstance<TBReachabilityManager>::get();
 }
 
 void TBReachabilityManager::start() {

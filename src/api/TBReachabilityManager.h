@@ -4,16 +4,15 @@
 
 namespace tb {
 
-class AppContext;
 class NotificationCenter;
 class Reachability;
 
-// Whether the service's host can be reached. start() begins watching; every change is
-// posted as networkBecameReachable or networkBecameUnreachable through the notification
-// centre (the offline toast, for one, forgets that it has shown when the network is back).
+// Whether the service's web host can be reached (the app builds the Reachability for it). start()
+// begins watching; every change is posted as networkBecameReachable or networkBecameUnreachable
+// through the notification centre (the offline toast, for one, forgets that it has shown when the
+// network is back).
 class TBReachabilityManager {
   public:
-    explicit TBReachabilityManager(AppContext& context);
     // `reachability` may be null: the app then counts as online, on Wi-Fi.
     TBReachabilityManager(Reachability* reachability, NotificationCenter& notifications);
     ~TBReachabilityManager();

@@ -1,25 +1,24 @@
 #include "api/TBServiceEnvironment.h"
 
-#include "app/AppContext.h"
 #include "core/TunebrookKeys.h"
 
 namespace tb {
 
-TBServiceEnvironment::TBServiceEnvironment(AppContext& context) : context_(context) {}
+TBServiceEnvironment::TBServiceEnvironment(const TunebrookKeys& keys) : keys_(keys) {}
 
 void TBServiceEnvironment::useProd() {
-    baseURL_ = withTrailingSlash(context_.singleton<TunebrookKeys>().wsUrlLive());
+    baseURL_ = withTrailingSlash(keys_.wsUrlLive());
 }
 
 void TBServiceEnvironment::useDev() {
-    baseURL_ = withTrailingSlash(context_.singleton<TunebrookKeys>().wsUrlDev());
+    baseURL_ = withTrailingSlash(keys_.wsUrlDev());
 }
 
 std::string TBServiceEnvironment::baseURL() const {
     if (baseURL_) {
         return *baseURL_;
     }
-    return withTrailingSlash(context_.singleton<TunebrookKeys>().wsUrlLive());
+    return withTrailingSlash(keys_.wsUrlLive());
 }
 
 // A keys file written by hand may leave the slash off; the paths would then run into the

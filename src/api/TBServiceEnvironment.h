@@ -5,16 +5,16 @@
 
 namespace tb {
 
-class AppContext;
+class TunebrookKeys;
 
 // The service host the catalogue talks to in this process: the live host or the test host
 // of the key store (wsUrlLive, wsUrlDev), as the launch chose. Service paths are appended
 // to it with no separator, so the base URL always ends in a slash.
 //
-// One per context; TBDataManager::useProd/useDev/baseURL are its public face.
+// One per app; TBDataManager::useProd/useDev/baseURL are its public face.
 class TBServiceEnvironment {
   public:
-    explicit TBServiceEnvironment(AppContext& context);
+    explicit TBServiceEnvironment(const TunebrookKeys& keys);
 
     void useProd();
     void useDev();
@@ -26,7 +26,7 @@ class TBServiceEnvironment {
   private:
     static std::string withTrailingSlash(std::string url);
 
-    AppContext& context_;
+    const TunebrookKeys& keys_;
     std::optional<std::string> baseURL_;
 };
 

@@ -19,8 +19,7 @@ class SignedOutSession final : public TBSessionGate {
 
 }  // namespace
 
-TBSessionGateHolder::TBSessionGateHolder(AppContext& /*context*/)
-    : signedOut_(std::make_unique<SignedOutSession>()) {}
+TBSessionGateHolder::TBSessionGateHolder() : signedOut_(std::make_unique<SignedOutSession>()) {}
 
 TBSessionGateHolder::~TBSessionGateHolder() = default;
 

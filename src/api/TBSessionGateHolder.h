@@ -6,13 +6,11 @@
 
 namespace tb {
 
-class AppContext;
-
-// The context's session gate. It answers with the installed gate, or with a signed-out
+// The app's session gate. It answers with the installed gate, or with a signed-out
 // one that refuses refreshes until a session installs itself.
 class TBSessionGateHolder {
   public:
-    explicit TBSessionGateHolder(AppContext& context);
+    TBSessionGateHolder();
     ~TBSessionGateHolder();
     TBSessionGateHolder(const TBSessionGateHolder&) = delete;
     TBSessionGateHolder& operator=(const TBSessionGateHolder&) = delete;

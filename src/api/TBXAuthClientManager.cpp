@@ -1,38 +1,12 @@
 #include "api/TBXAuthClientManager.h"
 
-#include "api/TBServiceEnvironment.h"
-#include "app/AppContext.h"
-#include "core/TBToastUtils.h"
-#include "core/TunebrookKeys.h"
+#include "platform/SharedInstance.h"
 
 namespace tb {
 
-namespace {
-
-// The catalogue's base URL, as the launch chose it (TBDataManager::useProd/useDev).
-std::string catalogueBaseURL(AppContext& context) {
-    return context.singleton<TBServiceEnvironment>().baseURL();
-}
-
-AFXAuthClient::Environment environmentOf(AppContext& context) {
-    return AFXAuthClient::Environment{
-        context.http(),
-        context.mainQueue(),
-        context.random(),
-        context.clock(),
-        context.options().appVersion,
-        [&context] { context.singleton<TBToastUtils>().showOfflineToast(); },
-    };
-}
-
-}  // namespace
-
-TBXAuthClientManager::TBXAuthClientManager(AppContext& context)
-    : environment_(environmentOf(context)), readSettings_([&context] {
-          const auto& keys = context.singleton<TunebrookKeys>();
-          return Settings{catalogueBaseURL(context), keys.tunebrookConsumerKey(),
-                          keys.tunebrookConsumerSecret()};
-      }) {}
+TBXAuthClientManager::TBXAuthClientManager(AFXAuthClient::Environment environment,
+                                           std::function<Settings()> readSettings)
+    : environment_(std::move(environment)), readSettings_(std::move(readSettings)) {}
 
 TBXAuthClientManager::TBXAuthClientManager(AFXAuthClient::Environment environment,
                                            std::string baseURL,
@@ -44,7 +18,7 @@ TBXAuthClientManager::TBXAuthClientManager(AFXAuthClient::Environment environmen
 TBXAuthClientManager::~TBXAuthClientManager() = default;
 
 TBXAuthClientManager& TBXAuthClientManager::sharedManager() {
-    return AppContext::current().singleton<TBXAuthClientManager>();
+    return SharedInstance<TBXAuthClientManager>::get();
 }
 
 AFXAuthClient& TBXAuthClientManager::client() {

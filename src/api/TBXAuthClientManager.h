@@ -9,8 +9,6 @@
 
 namespace tb {
 
-class AppContext;
-
 // Holds the two signed clients of the service: `client` sends form bodies, `jsonClient`
 // JSON bodies. Both are made at first use, on the catalogue's base URL and the service's
 // consumer key and secret, so they see the environment chosen at start-up; choosing another
@@ -23,7 +21,10 @@ class TBXAuthClientManager {
         std::string consumerSecret;
     };
 
-    explicit TBXAuthClientManager(AppContext& context);
+    // The settings are read at first use, so that they see the environment chosen at
+    // start-up.
+    TBXAuthClientManager(AFXAuthClient::Environment environment,
+                         std::function<Settings()> readSettings);
     TBXAuthClientManager(AFXAuthClient::Environment environment,
                          std::string baseURL,
                          std::string consumerKey,

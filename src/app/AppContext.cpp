@@ -1,13 +1,135 @@
 #include "app/AppContext.h"
 
+#include <utility>
+
+#include "ads/InterstitialsManager.h"
+#include "api/TBDataManager.h"
+#include "api/TBReachabilityManager.h"
+#include "api/TBServiceEnvironment.h"
+#include "api/TBSessionGateHolder.h"
+#include "api/TBXAuthClientManager.h"
+#include "app/TBAppDelegate.h"
+#include "core/LocationManager.h"
+#include "core/TBLinks.h"
+#include "core/TBLogger.h"
+#include "core/TBPermisionsManager.h"
+#include "core/TBToastUtils.h"
+#include "core/TunebrookKeys.h"
+#include "model/ItemDAO.h"
+#include "model/TBCoreDataManager.h"
+#include "offline/ItemDownloadManager.h"
+#include "offline/TBMusicDownloadManager.h"
 #include "platform/Fatal.h"
 #include "platform/NotificationCenter.h"
+#include "platform/SharedInstance.h"
+#include "platform/UserDefaults.h"
 
 namespace tb {
 
 namespace {
+
 AppContext* currentContext = nullptr;
+
+// A manager, installed for the system's shared accessor while it lives.
+template <typename T>
+struct Installed {
+    template <typename... Args>
+    explicit Installed(Args&&... args) : object(std::forward<Args>(args)...), scope(object) {}
+
+    T object;
+    typename SharedInstance<T>::Scope scope;
+};
+
+// The links need a clean key store; after a failed load the launch stops before anything
+// reads them.
+TBLinks linksFor(const AppOptions& options, const TunebrookKeys& keys) {
+    if (keys.error()) {
+        return TBLinks();
+    }
+    return TBLinks(TBLinks::webHostFor(options, keys), keys.appleAppIdWithoutId());
+}
+
+AFXAuthClient::Environment clientEnvironment(const AppPorts& ports,
+                                             const AppOptions& options,
+                                             TBToastUtils& toasts) {
+    return AFXAuthClient::Environment{
+        *ports.http,  *ports.mainQueue,   *ports.random,
+        *ports.clock, options.appVersion, [&toasts] { toasts.showOfflineToast(); },
+    };
+}
+
 }  // namespace
+
+// Members are built in the order they are declared, which is the start order, and go in
+// reverse; each is installed while it lives.
+struct AppContext::Managers {
+    Managers(AppContext& app, const AppPorts& ports, const AppOptions& options)
+        : notifications(*ports.mainQueue),
+          keys(TunebrookKeys::pathFor(options)),
+          links(linksFor(options, keys)),
+          toasts(*ports.uiHost, notifications),
+          permissions(ports.defaults->standard(), *ports.clock),
+          interstitials(ports.defaults->standard(), *ports.clock),
+          environment(keys),
+          reachability(ports.reachability, notifications),
+          clients(clientEnvironment(ports, options, toasts.object),
+                  [this] {
+                      return TBXAuthClientManager::Settings{environment.baseURL(),
+                                                            keys.tunebrookConsumerKey(),
+                                                            keys.tunebrookConsumerSecret()};
+                  }),
+          data(options.paths.documents,
+               *ports.errorReporter,
+               TBDataManager::Catalogue{
+                   environment,
+                   {clients.object, reachability.object, toasts.object, sessionGate,
+                    *ports.errorReporter},
+                   *ports.mainQueue,
+                   notifications,
+                   *ports.random,
+               }),
+          coreData(data.object,
+                   ports.defaults->standard(),
+                   *ports.errorReporter,
+                   *ports.uiHost,
+                   *ports.mainQueue),
+          dao(coreData.object),
+          music(*ports.mainQueue,
+                *ports.http,
+                ItemDownloadManager::Collaborators{coreData.object, dao, *ports.errorReporter,
+                                                   notifications}),
+          itemDownloads(music.object.items()),
+          appDelegate(app) {
+        // The store and its error policy refer to each other; this is where they meet. The
+        // DAO asks the downloads, which sit above it, what is on its way.
+        data.object.setErrorPolicy(&coreData.object);
+        dao.setDownloadActivity(&music.object);
+    }
+
+    ~Managers() {
+        data.object.setErrorPolicy(nullptr);
+        dao.setDownloadActivity(nullptr);
+    }
+
+    NotificationCenter notifications;
+    const TunebrookKeys keys;
+    Installed<TBLinks> links;
+    Installed<TBLogger> logger;
+    Installed<TBToastUtils> toasts;
+    Installed<TBPermisionsManager> permissions;
+    Installed<LocationManager> location;
+    Installed<InterstitialsManager> interstitials;
+    TBServiceEnvironment environment;
+    Installed<TBReachabilityManager> reachability;
+    TBSessionGateHolder sessionGate;
+    Installed<TBXAuthClientManager> clients;
+    Installed<TBDataManager> data;
+    Installed<TBCoreDataManager> coreData;
+    ItemDAO dao;
+    Installed<TBMusicDownloadManager> music;
+    SharedInstance<ItemDownloadManager>::Scope itemDownloads;
+    Installed<TBAppDelegate> appDelegate;
+};
 
 AppContext::AppContext(AppPorts ports, AppOptions options)
     : ports_(ports), options_(std::move(options)), previous_(currentContext) {
@@ -16,17 +138,12 @@ AppContext::AppContext(AppPorts ports, AppOptions options)
         !ports_.uiHost || !ports_.random || !ports_.externalSdks) {
         TB_FATAL("AppContext needs every port");
     }
-    notificationCenter_ = std::make_unique<NotificationCenter>(*ports_.mainQueue);
     currentContext = this;
+    managers_ = std::make_unique<Managers>(*this, ports_, options_);
 }
 
 AppContext::~AppContext() {
-    // Singletons may reach for each other while they go, so they leave newest first and
-    // while this context is still current.
-    while (!singletons_.empty()) {
-        singletons_.pop_back();
-    }
-    notificationCenter_.reset();
+    managers_.reset();
     if (currentContext == this) {
         currentContext = previous_;
     }
@@ -34,7 +151,7 @@ AppContext::~AppContext() {
 
 AppContext& AppContext::current() {
     if (!currentContext) {
-        TB_FATAL("No AppContext: the app's singletons need one");
+        TB_FATAL("No AppContext: the app's managers need one");
     }
     return *currentContext;
 }
@@ -43,13 +160,76 @@ bool AppContext::hasCurrent() {
     return currentContext != nullptr;
 }
 
-void* AppContext::findSingleton(const std::type_info& type) const {
-    for (const auto& [index, instance] : singletons_) {
-        if (index == std::type_index(type)) {
-            return instance.get();
-        }
-    }
-    return nullptr;
+NotificationCenter& AppContext::notificationCenter() const {
+    return managers_->notifications;
+}
+
+const TunebrookKeys& AppContext::keys() const {
+    return managers_->keys;
+}
+
+const TBLinks& AppContext::links() const {
+    return managers_->links.object;
+}
+
+TBLogger& AppContext::logger() const {
+    return managers_->logger.object;
+}
+
+TBToastUtils& AppContext::toasts() const {
+    return managers_->toasts.object;
+}
+
+TBPermisionsManager& AppContext::permissions() const {
+    return managers_->permissions.object;
+}
+
+LocationManager& AppContext::location() const {
+    return managers_->location.object;
+}
+
+InterstitialsManager& AppContext::interstitials() const {
+    return managers_->interstitials.object;
+}
+
+TBServiceEnvironment& AppContext::environment() const {
+    return managers_->environment;
+}
+
+TBReachabilityManager& AppContext::reachabilityManager() const {
+    return managers_->reachability.object;
+}
+
+TBSessionGateHolder& AppContext::sessionGate() const {
+    return managers_->sessionGate;
+}
+
+TBXAuthClientManager& AppContext::clients() const {
+    return managers_->clients.object;
+}
+
+TBDataManager& AppContext::dataManager() const {
+    return managers_->data.object;
+}
+
+TBCoreDataManager& AppContext::coreDataManager() const {
+    return managers_->coreData.object;
+}
+
+ItemDAO& AppContext::itemDAO() const {
+    return managers_->dao;
+}
+
+TBMusicDownloadManager& AppContext::musicDownloads() const {
+    return managers_->music.object;
+}
+
+ItemDownloadManager& AppContext::itemDownloads() const {
+    return managers_->music.object.items();
+}
+
+TBAppDelegate& AppContext::appDelegate() const {
+    return managers_->appDelegate.object;
 }
 
 }  // namespace tb

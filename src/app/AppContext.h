@@ -1,56 +1,37 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <typeindex>
-#include <utility>
-#include <vector>
 
-#include "platform/Paths.h"
+#include "platform/AppPorts.h"
 
 namespace tb {
 
-class Clock;
-class ErrorReporter;
-class ExternalSdks;
-class HttpTransport;
-class KeychainStore;
-class MainQueue;
+class InterstitialsManager;
+class ItemDAO;
+class ItemDownloadManager;
+class LocationManager;
 class NotificationCenter;
-class RandomSource;
-class Reachability;
-class UIHost;
-class UserDefaultsProvider;
+class TBAppDelegate;
+class TBCoreDataManager;
+class TBDataManager;
+class TBLogger;
+class TBPermisionsManager;
+class TBReachabilityManager;
+class TBServiceEnvironment;
+class TBSessionGateHolder;
+class TBToastUtils;
+class TBMusicDownloadManager;
+class TBXAuthClientManager;
+class TunebrookKeys;
+struct TBLinks;
 
-// The ports this process runs on. The composition root (the Linux app, or a test) owns them
-// and must keep them alive for as long as the AppContext.
-struct AppPorts {
-    MainQueue* mainQueue = nullptr;
-    Clock* clock = nullptr;
-    UserDefaultsProvider* defaults = nullptr;
-    KeychainStore* keychain = nullptr;       // the current store ("com.tunebrook.iphone.valet")
-    KeychainStore* olderKeychain = nullptr;  // the older store that values migrate from
-    HttpTransport* http = nullptr;
-    ErrorReporter* errorReporter = nullptr;
-    Reachability* reachability = nullptr;
-    UIHost* uiHost = nullptr;
-    RandomSource* random = nullptr;
-    ExternalSdks* externalSdks = nullptr;
-};
-
-struct AppOptions {
-    Paths paths;
-    std::string keysFile;  // empty: "keys.json" in the config folder
-    std::string appVersion = "0.0.0";
-};
-
-// The composition root of the app's logic. It holds the ports and makes the app's
-// singletons on first use, each constructed with a reference to this context. The system's
-// shared accessors (TBDataManager::sharedManager() and the like) answer with the instance of
-// the current context; a test builds a fresh context with fakes and throws it away.
+// The composition root of the app's logic. It holds the ports and builds every manager once,
+// eagerly, in start order, handing each the ports and managers it uses through its
+// constructor. It installs each for the system's shared accessors (TBDataManager::
+// sharedManager() and the like), which the code below this folder never calls.
 //
-// Contexts nest: the newest one alive is current, and destroying it makes the previous one
-// current again.
+// Contexts nest: the newest one alive is current and its managers are installed; destroying
+// it puts the previous one back.
 class AppContext {
   public:
     AppContext(AppPorts ports, AppOptions options);
@@ -73,38 +54,37 @@ class AppContext {
     UIHost& uiHost() const { return *ports_.uiHost; }
     RandomSource& random() const { return *ports_.random; }
     ExternalSdks& externalSdks() const { return *ports_.externalSdks; }
-    NotificationCenter& notificationCenter() const { return *notificationCenter_; }
+    NotificationCenter& notificationCenter() const;
 
     const Paths& paths() const { return options_.paths; }
     const AppOptions& options() const { return options_; }
 
-    // The one instance of T in this context, made on first use as T(*this). Singletons are
-    // destroyed in reverse order of their making.
-    template <typename T>
-    T& singleton() {
-        if (void* found = findSingleton(typeid(T))) {
-            return *static_cast<T*>(found);
-        }
-        auto made = std::make_shared<T>(*this);
-        T& result = *made;
-        singletons_.emplace_back(std::type_index(typeid(T)), std::move(made));
-        return result;
-    }
-
-    // True when the singleton of T has been made in this context.
-    template <typename T>
-    bool hasSingleton() const {
-        return findSingleton(typeid(T)) != nullptr;
-    }
+    // The managers, in the order they are built.
+    const TunebrookKeys& keys() const;
+    const TBLinks& links() const;
+    TBLogger& logger() const;
+    TBToastUtils& toasts() const;
+    TBPermisionsManager& permissions() const;
+    LocationManager& location() const;
+    InterstitialsManager& interstitials() const;
+    TBServiceEnvironment& environment() const;
+    TBReachabilityManager& reachabilityManager() const;
+    TBSessionGateHolder& sessionGate() const;
+    TBXAuthClientManager& clients() const;
+    TBDataManager& dataManager() const;
+    TBCoreDataManager& coreDataManager() const;
+    ItemDAO& itemDAO() const;
+    TBMusicDownloadManager& musicDownloads() const;
+    ItemDownloadManager& itemDownloads() const;
+    TBAppDelegate& appDelegate() const;
 
   private:
-    void* findSingleton(const std::type_info& type) const;
+    struct Managers;
 
     AppPorts ports_;
     AppOptions options_;
-    std::unique_ptr<NotificationCenter> notificationCenter_;
-    std::vector<std::pair<std::type_index, std::shared_ptr<void>>> singletons_;
     AppContext* previous_;
+    std::unique_ptr<Managers> managers_;
 };
 
 }  // namespace tb

@@ -4,6 +4,7 @@
 #include "ads/InterstitialsManager.h"
 #include "api/TBDataManager.h"
 #include "api/TBReachabilityManager.h"
+#include "api/TBServiceEnvironment.h"
 #include "app/AppContext.h"
 #include "core/LocationManager.h"
 #include "core/TBConstants.h"
@@ -41,12 +42,13 @@ TBAppDelegate::TBAppDelegate(AppContext& context) : context_(context) {
 TBAppDelegate::~TBAppDelegate() = default;
 
 TBAppDelegate& TBAppDelegate::shared() {
-    return AppContext::current().singleton<TBAppDelegate>();
+    return AppContext::current().appDelegate();
 }
 
 TBKeychainManager& TBAppDelegate::keychainManager() {
     if (!keychainManager_) {
-        keychainManager_ = std::make_unique<TBKeychainManager>(context_);
+        keychainManager_ =
+            std::make_unique<TBKeychainManager>(context_.keychain(), context_.olderKeychain());
     }
     return *keychainManager_;
 }
@@ -87,7 +89,7 @@ void TBAppDelegate::buildLaunchSequence() {
 
 std::optional<Error> TBAppDelegate::didFinishLaunchingWithOptions(
     const UserInfo& /*launchOptions*/) {
-    const auto& keys = context_.singleton<TunebrookKeys>();
+    const auto& keys = context_.keys();
     if (keys.error()) {
         return keys.error();
     }
@@ -96,7 +98,7 @@ std::optional<Error> TBAppDelegate::didFinishLaunchingWithOptions(
 }
 
 std::string TBAppDelegate::createKeyStoreAndKeychain() {
-    const auto& keys = context_.singleton<TunebrookKeys>();
+    const auto& keys = context_.keys();
     keychainManager();
     return std::to_string(TunebrookKeys::roles().size()) + " roles from " + keys.path();
 }
@@ -123,8 +125,7 @@ std::string TBAppDelegate::startEmbrace() {
     if (!keychainManager().boolForKey(TBConstants::TBKeychainKeys().embraceEnabled)) {
         return "skipped";
     }
-    context_.errorReporter().startReporter("Embrace",
-                                           context_.singleton<TunebrookKeys>().embraceKey());
+    context_.errorReporter().startReporter("Embrace", context_.keys().embraceKey());
     return "started";
 }
 
@@ -139,7 +140,7 @@ std::string TBAppDelegate::startBugsnag() {
         return "skipped";
     }
     auto& reporter = context_.errorReporter();
-    reporter.startReporter("Bugsnag", context_.singleton<TunebrookKeys>().bugsnagKey());
+    reporter.startReporter("Bugsnag", context_.keys().bugsnagKey());
     const auto stage = TBUtil::releaseStage(TBUtil::buildType());
     if (!stage) {
         return "started";
@@ -151,7 +152,7 @@ std::string TBAppDelegate::startBugsnag() {
 // The interstitial time stamp doubles as the install marker: writing it now makes the very
 // next start not fresh, even when this one is killed before it ends.
 std::string TBAppDelegate::markInstall() {
-    auto& interstitials = context_.singleton<InterstitialsManager>();
+    auto& interstitials = context_.interstitials();
     freshInstall_ = interstitials.isFreshInstall();
     if (freshInstall_) {
         interstitials.setInterstitialAdNotShown();
@@ -179,29 +180,30 @@ std::string TBAppDelegate::configureFirebase() {
 }
 
 std::string TBAppDelegate::chooseEnvironment() {
-    liveEnvironment_ = TBPreferencesRepository(context_).liveEnvironment();
+    liveEnvironment_ = TBPreferencesRepository(context_.defaults(), context_.notificationCenter())
+                           .liveEnvironment();
     if (liveEnvironment_) {
-        TBDataManager::useProd(context_);
+        context_.environment().useProd();
     } else {
-        TBDataManager::useDev(context_);
+        context_.environment().useDev();
     }
     return liveEnvironment_ ? "live" : "dev";
 }
 
 std::string TBAppDelegate::openStore() {
-    auto& data = context_.singleton<TBDataManager>();
+    auto& data = context_.dataManager();
     data.startup();
     return data.managedObjectContext() ? "open" : "unavailable";
 }
 
 std::string TBAppDelegate::startReachability() {
-    auto& reachability = context_.singleton<TBReachabilityManager>();
+    auto& reachability = context_.reachabilityManager();
     reachability.start();
     return reachability.isOffline() ? "started, offline" : "started";
 }
 
 std::string TBAppDelegate::enablePushIfGranted() {
-    auto& permissions = context_.singleton<TBPermisionsManager>();
+    auto& permissions = context_.permissions();
     if (!permissions.pushGranted()) {
         return "not granted";
     }
@@ -210,7 +212,7 @@ std::string TBAppDelegate::enablePushIfGranted() {
 }
 
 std::string TBAppDelegate::updateLocationIfEnabled() {
-    auto& location = context_.singleton<LocationManager>();
+    auto& location = context_.location();
     if (!location.isEnabled()) {
         return "disabled";
     }
@@ -260,12 +262,12 @@ void TBAppDelegate::applicationWillResignActive() {
 }
 
 std::string TBAppDelegate::getFeaturedMusic() {
-    context_.singleton<TBDataManager>().getFeaturedMusic();
+    context_.dataManager().getFeaturedMusic();
     return "requested";
 }
 
 void TBAppDelegate::applicationWillEnterForeground() {
-    context_.singleton<TBDataManager>().getFeaturedMusic();
+    context_.dataManager().getFeaturedMusic();
 }
 
 // Posted at active on purpose, so that a fresh start posts it too.

@@ -1,11 +1,11 @@
 #include "core/LocationManager.h"
 
-#include "app/AppContext.h"
+#include "platform/SharedInstance.h"
 
 namespace tb {
 
 LocationManager& LocationManager::shared() {
-    return AppContext::current().singleton<LocationManager>();
+    return SharedInstance<LocationManager>::get();
 }
 
 }  // namespace tb

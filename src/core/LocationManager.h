@@ -4,8 +4,6 @@
 
 namespace tb {
 
-class AppContext;
-
 // A position on the globe, in degrees.
 struct Location {
     double latitude = 0.0;
@@ -17,7 +15,6 @@ struct Location {
 class LocationManager {
   public:
     LocationManager() = default;
-    explicit LocationManager(AppContext& /*context*/) {}
 
     static LocationManager& shared();
 

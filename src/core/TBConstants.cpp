@@ -1,11 +1,11 @@
 #include "core/TBConstants.h"
 
-#include "app/AppContext.h"
+#include "platform/SharedInstance.h"
 
 namespace tb {
 
 const ::tb::TBLinks& TBConstants::TBLinks() {
-    return AppContext::current().singleton<::tb::TBLinks>();
+    return SharedInstance<::tb::TBLinks>::get();
 }
 
 }  // namespace tb

@@ -57,7 +57,7 @@ class TBConstants {
         return kGroupIdsContants;
     }
 
-    // The links of the current context's key store.
+    // The links the app installed.
     static const ::tb::TBLinks& TBLinks();
 
   private:

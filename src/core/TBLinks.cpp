@@ -1,22 +1,31 @@
 #include "core/TBLinks.h"
 
-#include "app/AppContext.h"
 #include "core/TunebrookKeys.h"
 #include "core/URLComponents.h"
+#include "platform/AppPorts.h"
 
 namespace tb {
 
-TBLinks::TBLinks(AppContext& context) : TBLinks(context.singleton<TunebrookKeys>()) {}
+namespace {
 
-TBLinks::TBLinks(const TunebrookKeys& keys) {
-    const auto api = URLComponents::parse(keys.wsUrlLive());
-    const std::string web = api ? api->origin() : std::string();
-    contactUs = web + "/contact-us";
-    privacyPolicy = web + "/privacy-policy";
-    termsOfService = web + "/about/terms-of-service";
-    dashboard = web + "/dashboard";
-    appStore = "https://apps.apple.com/app/id" + keys.appleAppIdWithoutId();
+std::string originOf(const std::string& url) {
+    const auto parts = URLComponents::parse(url);
+    return parts && !parts->host.empty() ? parts->origin() : std::string();
+}
+
+}  // namespace
+
+TBLinks::TBLinks(const std::string& webHost, const std::string& appleAppIdWithoutId)
+    : contactUs(webHost + "/contact-us"),
+      privacyPolicy(webHost + "/privacy-policy"),
+      termsOfService(webHost + "/about/terms-of-service"),
+      dashboard(webHost + "/dashboard"),
+      appStore("https://apps.apple.com/app/id" + appleAppIdWithoutId) {
     rating = appStore + "?action=write-review";
+}
+
+std::string TBLinks::webHostFor(const AppOptions& options, const TunebrookKeys& keys) {
+    return originOf(options.webURL.empty() ? keys.wsUrlLive() : options.webURL);
 }
 
 }  // namespace tb

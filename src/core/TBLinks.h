@@ -4,16 +4,21 @@
 
 namespace tb {
 
-class AppContext;
+struct AppOptions;
 class TunebrookKeys;
 
 // Addresses the settings and rating screens open. The site pages live on the service's web
-// host, which is the origin (scheme, host and port) of the live API address in the key
-// store: the service answers its pages and its API on one origin. The store page is the
-// app's page in the platform's store, from `appleAppIdWithoutId`.
+// host, which the build may name apart from its API hosts; the store page is the app's page
+// in the platform's store, from `appleAppIdWithoutId`.
 struct TBLinks {
-    explicit TBLinks(AppContext& context);
-    explicit TBLinks(const TunebrookKeys& keys);
+    TBLinks() = default;
+    // `webHost` is an origin ("https://host[:port]"), with no path.
+    TBLinks(const std::string& webHost, const std::string& appleAppIdWithoutId);
+
+    // The service's web host: the origin of the options' web address when they name one,
+    // else the origin of the live API address (a service that answers its pages and its API
+    // on one origin). Empty when neither names a host.
+    static std::string webHostFor(const AppOptions& options, const TunebrookKeys& keys);
 
     std::string contactUs;
     std::string privacyPolicy;

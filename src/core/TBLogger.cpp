@@ -1,11 +1,11 @@
 #include "core/TBLogger.h"
 
-#include "app/AppContext.h"
+#include "platform/SharedInstance.h"
 
 namespace tb {
 
 TBLogger& TBLogger::sharedInstance() {
-    return AppContext::current().singleton<TBLogger>();
+    return SharedInstance<TBLogger>::get();
 }
 
 void TBLogger::log(const std::string& /*text*/) {}

@@ -6,8 +6,6 @@
 
 namespace tb {
 
-class AppContext;
-
 // The in-app log: texts kept in memory by tag, for the log viewer of the settings screen.
 // Nothing is limited and nothing reaches the disk; the log lives as long as the process.
 // Tracked analytics events are logged under "Mixpanel".
@@ -16,7 +14,6 @@ class TBLogger {
     using Log = std::map<std::string, std::vector<std::string>>;
 
     TBLogger() = default;
-    explicit TBLogger(AppContext& /*context*/) {}
 
     static TBLogger& sharedInstance();
 

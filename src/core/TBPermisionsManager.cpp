@@ -1,7 +1,7 @@
 #include "core/TBPermisionsManager.h"
 
-#include "app/AppContext.h"
 #include "platform/Clock.h"
+#include "platform/SharedInstance.h"
 #include "platform/UserDefaults.h"
 
 namespace tb {
@@ -11,14 +11,11 @@ constexpr const char* kYes = "yes";
 constexpr const char* kLater = "later";
 }  // namespace
 
-TBPermisionsManager::TBPermisionsManager(AppContext& context)
-    : TBPermisionsManager(context.defaults().standard(), context.clock()) {}
-
 TBPermisionsManager::TBPermisionsManager(UserDefaults& defaults, const Clock& clock)
     : defaults_(defaults), clock_(clock) {}
 
 TBPermisionsManager& TBPermisionsManager::sharedInstance() {
-    return AppContext::current().singleton<TBPermisionsManager>();
+    return SharedInstance<TBPermisionsManager>::get();
 }
 
 void TBPermisionsManager::recordAnswer(Answer answer) {

@@ -5,7 +5,6 @@
 
 namespace tb {
 
-class AppContext;
 class Clock;
 class UserDefaults;
 
@@ -22,7 +21,6 @@ class TBPermisionsManager {
     static constexpr const char* kAnswerDateKey = "permissionsAnswerDate";
     static constexpr double kRepromptInterval = 604800.0;  // 7 days
 
-    explicit TBPermisionsManager(AppContext& context);
     TBPermisionsManager(UserDefaults& defaults, const Clock& clock);
 
     static TBPermisionsManager& sharedInstance();

@@ -1,6 +1,5 @@
 #include "core/TBPreferencesRepository.h"
 
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "platform/NotificationCenter.h"
 #include "platform/UserDefaults.h"
@@ -47,12 +46,6 @@ constexpr const char* kRenamedGenre = "afrobeats";
 constexpr double kNeutralGain = 0.5;
 
 }  // namespace
-
-TBPreferencesRepository::TBPreferencesRepository()
-    : TBPreferencesRepository(AppContext::current()) {}
-
-TBPreferencesRepository::TBPreferencesRepository(AppContext& context)
-    : TBPreferencesRepository(context.defaults(), context.notificationCenter()) {}
 
 TBPreferencesRepository::TBPreferencesRepository(UserDefaultsProvider& defaults,
                                                  NotificationCenter& notifications)

@@ -6,7 +6,6 @@
 
 namespace tb {
 
-class AppContext;
 class NotificationCenter;
 class UserDefaults;
 class UserDefaultsProvider;
@@ -20,9 +19,6 @@ class UserDefaultsProvider;
 // and eqValuesChanged.
 class TBPreferencesRepository final : public TBPreferencesDataSource {
   public:
-    // On the current context.
-    TBPreferencesRepository();
-    explicit TBPreferencesRepository(AppContext& context);
     TBPreferencesRepository(UserDefaultsProvider& defaults, NotificationCenter& notifications);
 
     bool liveEnvironment() const override;

@@ -1,15 +1,12 @@
 #include "core/TBToastUtils.h"
 
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "core/TBLocalization.h"
 #include "platform/NotificationCenter.h"
+#include "platform/SharedInstance.h"
 #include "platform/UIHost.h"
 
 namespace tb {
-
-TBToastUtils::TBToastUtils(AppContext& context)
-    : TBToastUtils(context.uiHost(), context.notificationCenter()) {}
 
 TBToastUtils::TBToastUtils(UIHost& ui, NotificationCenter& notifications)
     : ui_(ui), notifications_(notifications) {
@@ -23,7 +20,7 @@ TBToastUtils::~TBToastUtils() {
 }
 
 TBToastUtils& TBToastUtils::shared() {
-    return AppContext::current().singleton<TBToastUtils>();
+    return SharedInstance<TBToastUtils>::get();
 }
 
 void TBToastUtils::showOfflineToast() {

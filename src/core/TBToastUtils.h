@@ -5,7 +5,6 @@
 
 namespace tb {
 
-class AppContext;
 class NotificationCenter;
 class UIHost;
 
@@ -14,7 +13,6 @@ class UIHost;
 // screen full of failing requests raises one toast, not dozens.
 class TBToastUtils {
   public:
-    explicit TBToastUtils(AppContext& context);
     TBToastUtils(UIHost& ui, NotificationCenter& notifications);
     ~TBToastUtils();
     TBToastUtils(const TBToastUtils&) = delete;

@@ -8,8 +8,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/AppContext.h"
 #include "core/URLComponents.h"
+#include "platform/AppPorts.h"
 #include "platform/Fatal.h"
 #include "platform/JsonLimits.h"
 
@@ -65,8 +65,6 @@ bool isServiceUrl(const std::string& text) {
 }
 
 }  // namespace
-
-TunebrookKeys::TunebrookKeys(AppContext& context) : TunebrookKeys(pathFor(context.options())) {}
 
 TunebrookKeys::TunebrookKeys(const std::string& path) : path_(path) {
     load();

@@ -9,7 +9,6 @@
 
 namespace tb {
 
-class AppContext;
 struct AppOptions;
 
 // The service keys and the outside services' identifiers, by role, from a JSON keys file:
@@ -31,7 +30,6 @@ class TunebrookKeys {
         kRoleInvalid = 4,
     };
 
-    explicit TunebrookKeys(AppContext& context);
     explicit TunebrookKeys(const std::string& path);
 
     // The file the options name: keysFile, or "keys.json" in the config folder.

@@ -11,6 +11,7 @@
 namespace tb {
 
 class JSON;
+class TBCoreDataManager;
 struct Artist;
 using ArtistPtr = std::shared_ptr<Artist>;
 
@@ -51,19 +52,19 @@ struct Artist final : ManagedObject {
     const EntityDescription& entity() const override { return entityDescription(); }
 
     // The store of the listener's own account. There is at most one saved artist: the
-    // account as the last user record described it. All of these work on the shared
-    // context and answer nil (or do nothing) without a store.
+    // account as the last user record described it. All of these work on the context of
+    // the store that `store` saves and answer nil (or do nothing) without one.
 
     // A new record inserted into the shared context; a row at the next save.
-    static ArtistPtr newObject();
+    static ArtistPtr newObject(TBCoreDataManager& store);
     // The saved artist, as last saved; nil when there is none.
-    static ArtistPtr savedArtist();
+    static ArtistPtr savedArtist(TBCoreDataManager& store);
     // Makes this record the saved artist and saves: every other Artist row goes, and a
     // record of no context (as the mapper makes them) is stored as a copy, which
     // savedArtist() then answers.
-    void cacheObject();
+    void cacheObject(TBCoreDataManager& store);
     // Removes every Artist row and saves.
-    static void removeAll();
+    static void removeAll(TBCoreDataManager& store);
 
     // The mapper. Never throws: anything but a dictionary gives nil.
     static ArtistPtr parseFrom(const JSON& json);

@@ -2,7 +2,6 @@
 
 #include <memory>
 
-#include "api/TBDataManager.h"
 #include "model/Artist.h"
 #include "model/TBCoreDataManager.h"
 #include "model/store/EntityDescription.h"
@@ -12,10 +11,6 @@ namespace tb {
 
 namespace {
 
-ObjectContext* store() {
-    return TBDataManager::sharedManager().managedObjectContext().get();
-}
-
 std::vector<ArtistPtr> savedRows(ObjectContext& context) {
     return context.fetch<Artist>(FetchRequest::fetchRequestWithEntityName("Artist"))
         .value_or(std::vector<ArtistPtr>());
@@ -23,13 +18,13 @@ std::vector<ArtistPtr> savedRows(ObjectContext& context) {
 
 }  // namespace
 
-ArtistPtr Artist::newObject() {
-    ObjectContext* context = store();
+ArtistPtr Artist::newObject(TBCoreDataManager& store) {
+    ObjectContext* context = store.context();
     return context ? context->insertNewObject<Artist>() : nullptr;
 }
 
-ArtistPtr Artist::savedArtist() {
-    ObjectContext* context = store();
+ArtistPtr Artist::savedArtist(TBCoreDataManager& store) {
+    ObjectContext* context = store.context();
     if (!context) {
         return nullptr;
     }
@@ -39,8 +34,8 @@ ArtistPtr Artist::savedArtist() {
     return rows && !rows->empty() ? rows->front() : nullptr;
 }
 
-void Artist::cacheObject() {
-    ObjectContext* context = store();
+void Artist::cacheObject(TBCoreDataManager& store) {
+    ObjectContext* context = store.context();
     if (!context) {
         return;
     }
@@ -52,18 +47,18 @@ void Artist::cacheObject() {
     if (!isManaged()) {
         EntityDescription::copyAttributes(*this, *context->insertNewObject<Artist>());
     }
-    TBCoreDataManager::sharedManager().save(nullptr);
+    store.save(nullptr);
 }
 
-void Artist::removeAll() {
-    ObjectContext* context = store();
+void Artist::removeAll(TBCoreDataManager& store) {
+    ObjectContext* context = store.context();
     if (!context) {
         return;
     }
     for (const auto& row : savedRows(*context)) {
         context->deleteObject(row);
     }
-    TBCoreDataManager::sharedManager().save(nullptr);
+    store.save(nullptr);
 }
 
 }  // namespace tb

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "api/TBDataManager.h"
 #include "model/SafeFileName.h"
 #include "model/store/EntityDescription.h"
 #include "model/store/ObjectContext.h"
@@ -103,8 +102,7 @@ std::vector<ItemPtr> Item::availableTracks() const {
     return withoutGeoRestricted(tracks);
 }
 
-ItemPtr Item::newFrom(const ItemPtr& item) {
-    ObjectContext* context = TBDataManager::sharedManager().managedObjectContext().get();
+ItemPtr Item::newFrom(ObjectContext* context, const ItemPtr& item) {
     if (!context || !item) {
         return nullptr;
     }

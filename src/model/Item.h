@@ -11,6 +11,7 @@
 namespace tb {
 
 class JSON;
+class ObjectContext;
 
 // The one record for everything that can be played or listed: a song, an album, a playlist,
 // a track of an album, a track of a playlist. A stored entity ("Item"); records made by the
@@ -36,10 +37,10 @@ struct Item final : ManagedObject, ItemAttributes {
     std::vector<ItemPtr> availableItems() const;
     std::vector<ItemPtr> availableTracks() const;
 
-    // A full copy of `item`: a new record of "Item" inserted into the shared context (a row
-    // at the next save), with every stored attribute copied by name, nil values included.
-    // Nil without a store, or without an item.
-    static ItemPtr newFrom(const ItemPtr& item);
+    // A full copy of `item`: a new record of "Item" inserted into `context`, the app's one
+    // context (a row at the next save), with every stored attribute copied by name, nil
+    // values included. Nil without a context, or without an item.
+    static ItemPtr newFrom(ObjectContext* context, const ItemPtr& item);
 
     // The mappers. They never throw: malformed input gives nil.
     static ItemPtr parseItemFrom(const JSON& json, bool ignoreGeoRestricted);

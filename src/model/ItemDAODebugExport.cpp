@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <system_error>
 
-#include "api/TBDataManager.h"
-#include "core/TBLogger.h"
 #include "model/Item.h"
 #include "model/ItemDAO.h"
+#include "model/TBCoreDataManager.h"
+#include "model/TBDataManagerStore.h"
 #include "model/store/PersistentStoreCoordinator.h"
 #include "platform/AtomicWrite.h"
 #include "platform/Log.h"
@@ -97,7 +97,7 @@ bool attach(const std::string& folder,
 }  // namespace
 
 std::string ItemDAO::debugExportText() {
-    const std::string documents = TBDataManager::sharedManager().applicationDocumentsDirectory();
+    const std::string documents = saving_.store().applicationDocumentsDirectory();
     std::string exportText = kHeader;
     const auto rows = fetch(cachedItemsPredicate(),
                             {SortDescriptor::sortDescriptorWithKey("downloadDate", false)});
@@ -108,7 +108,7 @@ std::string ItemDAO::debugExportText() {
 }
 
 std::optional<std::vector<ItemDAO::Attachment>> ItemDAO::sendDebugInfo() {
-    auto& data = TBDataManager::sharedManager();
+    auto& data = saving_.store();
     const std::filesystem::path documents = data.applicationDocumentsDirectory();
     const std::string exportPath = (documents / kExportName).string();
     const std::string folder = (documents / kAttachmentFolder).string();
@@ -128,7 +128,6 @@ std::optional<std::vector<ItemDAO::Attachment>> ItemDAO::sendDebugInfo() {
                       attach(folder, kStoreName, storeBytes, &reason);
     if (!done) {
         const std::string line = "Send debug info error: " + reason;
-        TBLogger::sharedInstance().log(line);
         logLine(line);
         return std::nullopt;
     }

@@ -1,10 +1,8 @@
 #include "model/ItemPredicates.h"
 
-#include "app/AppContext.h"
-
 namespace tb {
 
-ItemPredicates::ItemPredicates(AppContext& /*context*/)
+ItemPredicates::ItemPredicates()
     : cachedItems(Predicate::withFormat(
           "(isSong == 1 || isAlbum == 1 || albumTrackDownloadedAsSingle == 1) || (cached == 1)")),
       unsyncedDownloads(Predicate::withFormat(
@@ -25,9 +23,5 @@ ItemPredicates::ItemPredicates(AppContext& /*context*/)
           "(downloaded == 1) && (isPlaylist == 1) && (cached == NULL || cached == 0)")),
       allDownloadsCompleted(
           Predicate::withFormat("(downloaded == 1) && (downloadCompleted == 1)")) {}
-
-const ItemPredicates& ItemPredicates::current() {
-    return AppContext::current().singleton<ItemPredicates>();
-}
 
 }  // namespace tb

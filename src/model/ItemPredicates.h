@@ -4,15 +4,11 @@
 
 namespace tb {
 
-class AppContext;
-
-// The fixed predicates of the offline lists, built once per context and never changed.
-// ItemDAO hands them out by name.
+// The fixed predicates of the offline lists, built once and never changed. ItemDAO holds
+// one set and hands them out by name.
 class ItemPredicates {
   public:
-    explicit ItemPredicates(AppContext& context);
-
-    static const ItemPredicates& current();
+    ItemPredicates();
 
     // Songs, albums and single album tracks, and anything the stream cache keeps.
     const Predicate cachedItems;

@@ -1,6 +1,5 @@
 #include "model/PlaylistTracks.h"
 
-#include "api/TBDataManager.h"
 #include "model/Item.h"
 #include "model/TBCoreDataManager.h"
 #include "model/store/FetchRequest.h"
@@ -14,10 +13,6 @@ using Rows = std::vector<std::shared_ptr<PlaylistTracks>>;
 
 constexpr const char* kEntityName = "PlaylistTracks";
 
-ObjectContext* store() {
-    return TBDataManager::sharedManager().managedObjectContext().get();
-}
-
 FetchRequest requestWhere(Predicate predicate) {
     auto request = FetchRequest::fetchRequestWithEntityName(kEntityName);
     request.predicate = std::move(predicate);
@@ -29,17 +24,18 @@ std::vector<std::shared_ptr<PlaylistTracks>> rowsWhere(ObjectContext& context,
     return context.fetch<PlaylistTracks>(requestWhere(std::move(predicate))).value_or(Rows{});
 }
 
-void deleteRows(const std::vector<std::shared_ptr<PlaylistTracks>>& rows) {
+void deleteRows(ObjectContext& context, const std::vector<std::shared_ptr<PlaylistTracks>>& rows) {
     for (const auto& row : rows) {
-        store()->deleteObject(row);
+        context.deleteObject(row);
     }
 }
 
 }  // namespace
 
 std::vector<std::shared_ptr<PlaylistTracks>> PlaylistTracks::tracksForPlaylist(
+    TBCoreDataManager& store,
     const std::string& playlistId) {
-    auto* context = store();
+    auto* context = store.context();
     if (!context) {
         return {};
     }
@@ -48,27 +44,28 @@ std::vector<std::shared_ptr<PlaylistTracks>> PlaylistTracks::tracksForPlaylist(
     return context->fetch<PlaylistTracks>(request).value_or(Rows{});
 }
 
-void PlaylistTracks::savePlaylist(const Item& playlist) {
-    auto* context = store();
+void PlaylistTracks::savePlaylist(TBCoreDataManager& store, const Item& playlist) {
+    auto* context = store.context();
     if (!context) {
         return;
     }
     const std::string playlistId = playlist.itemID.value_or("");
-    deletePlaylist(playlistId);
+    deletePlaylist(store, playlistId);
     std::int64_t number = 0;
     for (const auto& track : playlist.items) {
         auto row = context->insertNewObject<PlaylistTracks>();
         row->playlistId = playlistId;
         row->trackId = track ? track->itemID : std::nullopt;
         row->number = number++;
-        TBCoreDataManager::sharedManager().save(nullptr);
+        store.save(nullptr);
     }
 }
 
-void PlaylistTracks::saveEntryForPlaylist(const std::string& playlistId,
+void PlaylistTracks::saveEntryForPlaylist(TBCoreDataManager& store,
+                                          const std::string& playlistId,
                                           const std::string& trackId,
                                           std::int64_t number) {
-    auto* context = store();
+    auto* context = store.context();
     if (!context) {
         return;
     }
@@ -76,11 +73,12 @@ void PlaylistTracks::saveEntryForPlaylist(const std::string& playlistId,
     row->playlistId = playlistId;
     row->trackId = trackId;
     row->number = number;
-    TBCoreDataManager::sharedManager().save(nullptr);
+    store.save(nullptr);
 }
 
-std::vector<std::string> PlaylistTracks::playlistsThatContain(const std::string& trackId) {
-    auto* context = store();
+std::vector<std::string> PlaylistTracks::playlistsThatContain(TBCoreDataManager& store,
+                                                              const std::string& trackId) {
+    auto* context = store.context();
     if (!context) {
         return {};
     }
@@ -91,8 +89,9 @@ std::vector<std::string> PlaylistTracks::playlistsThatContain(const std::string&
     return playlistIds;
 }
 
-std::int64_t PlaylistTracks::playlistsTrackCount(const std::string& playlistId) {
-    auto* context = store();
+std::int64_t PlaylistTracks::playlistsTrackCount(TBCoreDataManager& store,
+                                                 const std::string& playlistId) {
+    auto* context = store.context();
     if (!context) {
         return 0;
     }
@@ -101,15 +100,19 @@ std::int64_t PlaylistTracks::playlistsTrackCount(const std::string& playlistId) 
     return context->countForFetchRequest(request).value_or(0);
 }
 
-void PlaylistTracks::deletePlaylist(const std::string& playlistId) {
-    if (auto* context = store()) {
-        deleteRows(rowsWhere(*context, Predicate::withFormat("playlistId == %@", {playlistId})));
+void PlaylistTracks::deletePlaylist(TBCoreDataManager& store, const std::string& playlistId) {
+    if (auto* context = store.context()) {
+        deleteRows(*context,
+                   rowsWhere(*context, Predicate::withFormat("playlistId == %@", {playlistId})));
     }
 }
 
-void PlaylistTracks::deleteTrack(const std::string& trackId, const std::string& fromPlaylistId) {
-    if (auto* context = store()) {
-        deleteRows(rowsWhere(*context, Predicate::withFormat("playlistId == %@ && trackId == %@",
+void PlaylistTracks::deleteTrack(TBCoreDataManager& store,
+                                 const std::string& trackId,
+                                 const std::string& fromPlaylistId) {
+    if (auto* context = store.context()) {
+        deleteRows(*context,
+                   rowsWhere(*context, Predicate::withFormat("playlistId == %@ && trackId == %@",
                                                              {fromPlaylistId, trackId})));
     }
 }

@@ -3,14 +3,14 @@
 #include <optional>
 #include <utility>
 
-#include "api/TBDataManager.h"
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "core/TBLocalization.h"
+#include "model/TBDataManagerStore.h"
 #include "model/store/ObjectContext.h"
 #include "model/store/StoreError.h"
 #include "platform/ErrorReporter.h"
 #include "platform/MainQueue.h"
+#include "platform/SharedInstance.h"
 #include "platform/UIHost.h"
 #include "platform/UserDefaults.h"
 
@@ -57,10 +57,19 @@ std::optional<RaisedFailure> saveContext(ObjectContext* context,
 
 }  // namespace
 
-TBCoreDataManager::TBCoreDataManager(AppContext& context) : context_(context) {}
+TBCoreDataManager::TBCoreDataManager(TBDataManagerStore& store,
+                                     UserDefaults& defaults,
+                                     ErrorReporter& errors,
+                                     UIHost& ui,
+                                     MainQueue& queue)
+    : store_(store), defaults_(defaults), errors_(errors), ui_(ui), queue_(queue) {}
 
 TBCoreDataManager& TBCoreDataManager::sharedManager() {
-    return AppContext::current().singleton<TBCoreDataManager>();
+    return SharedInstance<TBCoreDataManager>::get();
+}
+
+ObjectContext* TBCoreDataManager::context() const {
+    return store_.managedObjectContext().get();
 }
 
 void TBCoreDataManager::save(Error* error) {
@@ -73,8 +82,7 @@ void TBCoreDataManager::save(Error* error, const Changed& changed) {
 
 void TBCoreDataManager::guardedSave(Error* error, const Changed* changed) {
     const auto& codes = TBConstants::TBCrashlyticsErrorCodes();
-    const auto raised = saveContext(
-        context_.singleton<TBDataManager>().managedObjectContext().get(), error, changed);
+    const auto raised = saveContext(context(), error, changed);
     // Whether the save came back true is not looked at: only a raised failure is one here.
     if (!raised) {
         if (isFirstSaveAfterError256()) {
@@ -103,7 +111,7 @@ bool TBCoreDataManager::reportedSave(const std::string& label, const Changed* ch
     if (error.domain.empty()) {
         return true;
     }
-    context_.errorReporter().recordError(error, {{"Method", label}});
+    errors_.recordError(error, {{"Method", label}});
     handleError(error, false);
     return false;
 }
@@ -135,7 +143,7 @@ void TBCoreDataManager::handleError(const Error& error, bool onStartup) {
             saveError256OnStartup(true);
         }
         if (corruption) {
-            context_.singleton<TBDataManager>().recreateDatabase();
+            store_.recreateDatabase();
             scheduleAlert(TBLocalization::localizedString("database_error_recreated"));
             return;
         }
@@ -146,12 +154,11 @@ void TBCoreDataManager::handleError(const Error& error, bool onStartup) {
 }
 
 bool TBCoreDataManager::getError256OnStartup() const {
-    return context_.defaults().standard().boolForKey(
-        TBConstants::TBUserDefaultKeys().foundError256OnStartup);
+    return defaults_.boolForKey(TBConstants::TBUserDefaultKeys().foundError256OnStartup);
 }
 
 void TBCoreDataManager::saveError256OnStartup(bool found) {
-    auto& defaults = context_.defaults().standard();
+    auto& defaults = defaults_;
     defaults.setBool(TBConstants::TBUserDefaultKeys().foundError256OnStartup, found);
     defaults.synchronize();
 }
@@ -163,17 +170,17 @@ void TBCoreDataManager::recordEvent(std::int64_t code,
     event.domain = TBConstants::TBCrashlyticsErrorCodes().tunebrookErrorDomain;
     event.code = code;
     event.userInfo = std::move(userInfo);
-    context_.errorReporter().recordError(event, additionalInfo);
+    errors_.recordError(event, additionalInfo);
 }
 
 void TBCoreDataManager::scheduleAlert(const std::string& message) {
-    UIHost& ui = context_.uiHost();
+    UIHost& ui = ui_;
     Alert alert{
         std::nullopt,
         message,
         {AlertAction{TBLocalization::localizedString("ok"), AlertAction::Style::Default, nullptr}}};
-    context_.mainQueue().postAfter(kAlertDelaySeconds,
-                                   [&ui, alert = std::move(alert)] { ui.presentAlert(alert); });
+    queue_.postAfter(kAlertDelaySeconds,
+                     [&ui, alert = std::move(alert)] { ui.presentAlert(alert); });
 }
 
 bool TBCoreDataManager::isFirstSaveAfterError256() {

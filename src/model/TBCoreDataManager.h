@@ -9,8 +9,13 @@
 
 namespace tb {
 
-class AppContext;
+class ErrorReporter;
+class MainQueue;
 class ManagedObject;
+class ObjectContext;
+class TBDataManagerStore;
+class UIHost;
+class UserDefaults;
 struct Error;
 
 // Owns saving and the error policy of the store.
@@ -24,11 +29,20 @@ struct Error;
 // error out-parameter, exactly as a caught exception would leave it.
 class TBCoreDataManager {
   public:
-    explicit TBCoreDataManager(AppContext& context);
+    // `defaults` is the standard suite.
+    TBCoreDataManager(TBDataManagerStore& store,
+                      UserDefaults& defaults,
+                      ErrorReporter& errors,
+                      UIHost& ui,
+                      MainQueue& queue);
     TBCoreDataManager(const TBCoreDataManager&) = delete;
     TBCoreDataManager& operator=(const TBCoreDataManager&) = delete;
 
     static TBCoreDataManager& sharedManager();
+
+    // The store this saves, and its one context (null before startup or without a store).
+    TBDataManagerStore& store() const { return store_; }
+    ObjectContext* context() const;
 
     // The guarded save of the one context; `error` (may be null) receives the error of a
     // save that came back false. No result: a save that came back false still counts as
@@ -72,7 +86,11 @@ class TBCoreDataManager {
     // The first save result after an opening that met code 256 is reported once.
     bool isFirstSaveAfterError256();
 
-    AppContext& context_;
+    TBDataManagerStore& store_;
+    UserDefaults& defaults_;
+    ErrorReporter& errors_;
+    UIHost& ui_;
+    MainQueue& queue_;
     bool alertShown_ = false;
     bool foundError256OnStartup_ = false;
     bool loggedFirstSaveResultAfterError256OnStartup_ = false;

@@ -1,10 +1,8 @@
-// The object store half of TBDataManager: the model, the coordinator, the one context.
+#include "model/TBDataManagerStore.h"
 
 #include <filesystem>
 #include <system_error>
 
-#include "api/TBDataManager.h"
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "model/StoreModel.h"
 #include "model/TBCoreDataManager.h"
@@ -29,47 +27,51 @@ std::string underlyingErrorOf(const Error& error) {
 
 }  // namespace
 
-void TBDataManager::startup() {
+TBDataManagerStore::TBDataManagerStore(std::string documentsDirectory, ErrorReporter& errors)
+    : documentsDirectory_(std::move(documentsDirectory)), errors_(errors) {}
+
+TBDataManagerStore::~TBDataManagerStore() = default;
+
+void TBDataManagerStore::startup() {
     managedObjectContext_ = loadManagedObjectContext();
 }
 
-const ManagedObjectModel& TBDataManager::loadManagedObjectModel() {
+const ManagedObjectModel& TBDataManagerStore::loadManagedObjectModel() {
     if (!managedObjectModel_) {
         managedObjectModel_ = std::make_unique<ManagedObjectModel>(StoreModel::merged());
     }
     return *managedObjectModel_;
 }
 
-std::shared_ptr<PersistentStoreCoordinator> TBDataManager::loadPersistentStoreCoordinator() {
+std::shared_ptr<PersistentStoreCoordinator> TBDataManagerStore::loadPersistentStoreCoordinator() {
     if (persistentStoreCoordinator_) {
         return persistentStoreCoordinator_;
     }
     persistentStoreCoordinator_ =
         std::make_shared<PersistentStoreCoordinator>(loadManagedObjectModel());
-    auto& policy = context_.singleton<TBCoreDataManager>();
     Error error;
     if (persistentStoreCoordinator_->addPersistentStore(storePath(), &error)) {
         // A clean opening after one that met code 256: the fault was passing.
-        if (policy.getError256OnStartup()) {
+        if (policy_ && policy_->getError256OnStartup()) {
             const auto& codes = TBConstants::TBCrashlyticsErrorCodes();
-            context_.errorReporter().recordError(
-                Error{codes.tunebrookErrorDomain,
-                      codes.coreDataNoErrorsOnStartupAfterError256OnStartup,
-                      {},
-                      {}});
-            policy.saveError256OnStartup(false);
+            errors_.recordError(Error{codes.tunebrookErrorDomain,
+                                      codes.coreDataNoErrorsOnStartupAfterError256OnStartup,
+                                      {},
+                                      {}});
+            policy_->saveError256OnStartup(false);
         }
     } else {
-        context_.errorReporter().recordError(error,
-                                             {{"Method", "persistentStoreCoordinator"},
-                                              {"UnderlyingException", underlyingErrorOf(error)}});
-        policy.handleError(error, true);
+        errors_.recordError(error, {{"Method", "persistentStoreCoordinator"},
+                                    {"UnderlyingException", underlyingErrorOf(error)}});
+        if (policy_) {
+            policy_->handleError(error, true);
+        }
     }
     // After a rebuild this is the new coordinator.
     return persistentStoreCoordinator_;
 }
 
-std::shared_ptr<ObjectContext> TBDataManager::loadManagedObjectContext() {
+std::shared_ptr<ObjectContext> TBDataManagerStore::loadManagedObjectContext() {
     if (managedObjectContext_) {
         return managedObjectContext_;
     }
@@ -85,10 +87,9 @@ std::shared_ptr<ObjectContext> TBDataManager::loadManagedObjectContext() {
     return managedObjectContext_;
 }
 
-void TBDataManager::recreateDatabase() {
+void TBDataManagerStore::recreateDatabase() {
     const auto& codes = TBConstants::TBCrashlyticsErrorCodes();
-    context_.errorReporter().recordError(
-        Error{codes.tunebrookErrorDomain, codes.databaseRecreated, {}, {}});
+    errors_.recordError(Error{codes.tunebrookErrorDomain, codes.databaseRecreated, {}, {}});
     if (persistentStoreCoordinator_) {
         persistentStoreCoordinator_->removePersistentStore();
     }
@@ -98,15 +99,11 @@ void TBDataManager::recreateDatabase() {
     managedObjectContext_ = loadManagedObjectContext();
 }
 
-std::string TBDataManager::applicationDocumentsDirectory() const {
-    return context_.paths().documents;
-}
-
-std::string TBDataManager::storePath() const {
+std::string TBDataManagerStore::storePath() const {
     return (std::filesystem::path(applicationDocumentsDirectory()) / kStoreFileName).string();
 }
 
-bool TBDataManager::addSkipBackupAttributeToItemAtURL(const std::string& path) {
+bool TBDataManagerStore::addSkipBackupAttributeToItemAtURL(const std::string& path) {
     std::error_code ignored;
     if (!std::filesystem::exists(path, ignored)) {
         TB_FATAL("[[NSFileManager defaultManager] fileExistsAtPath: [URL path]]");
@@ -114,7 +111,7 @@ bool TBDataManager::addSkipBackupAttributeToItemAtURL(const std::string& path) {
     return excludeFromBackup(path);
 }
 
-void TBDataManager::saveManagedObjectContext() {
+void TBDataManagerStore::saveManagedObjectContext() {
     if (!managedObjectContext_ || !managedObjectContext_->hasChanges()) {
         return;
     }

@@ -4,32 +4,29 @@
 #include <sstream>
 #include <system_error>
 
-#include "api/TBDataManager.h"
-#include "app/AppContext.h"
 #include "core/TBConstants.h"
 #include "model/Item.h"
 #include "model/ItemDAO.h"
 #include "model/PlaylistTracks.h"
 #include "model/TBCoreDataManager.h"
+#include "model/TBDataManagerStore.h"
 #include "model/store/ObjectContext.h"
 #include "offline/TBMusicDownloadManager.h"
 #include "platform/ErrorReporter.h"
 #include "platform/NotificationCenter.h"
+#include "platform/SharedInstance.h"
 
 namespace tb {
 
-namespace {
-
-ObjectContext* store() {
-    return TBDataManager::sharedManager().managedObjectContext().get();
-}
-
-}  // namespace
-
-ItemDownloadManager::ItemDownloadManager(AppContext& context) : context_(context) {}
+ItemDownloadManager::ItemDownloadManager(Collaborators with, TBMusicDownloadManager& transfers)
+    : with_(with), transfers_(transfers) {}
 
 ItemDownloadManager& ItemDownloadManager::shared() {
-    return AppContext::current().singleton<ItemDownloadManager>();
+    return SharedInstance<ItemDownloadManager>::get();
+}
+
+std::string ItemDownloadManager::documents() const {
+    return with_.store.store().applicationDocumentsDirectory();
 }
 
 void ItemDownloadManager::removeDownloadOf(const ItemPtr& item, bool removeFromDatabase) {
@@ -43,7 +40,7 @@ void ItemDownloadManager::removeDownloadOf(const ItemPtr& item, bool removeFromD
             for (const auto& track : item->items) {
                 removeTrack(track);
             }
-            PlaylistTracks::deletePlaylist(item->itemID.value_or(""));
+            PlaylistTracks::deletePlaylist(with_.store, item->itemID.value_or(""));
             break;
         case ItemType::album:
             loadAlbumTracksFor(item, true);
@@ -54,9 +51,9 @@ void ItemDownloadManager::removeDownloadOf(const ItemPtr& item, bool removeFromD
         default:
             break;
     }
-    context_.singleton<TBMusicDownloadManager>().deleteCachedImagedFor(*item);
+    transfers_.deleteCachedImagedFor(*item);
     if (removeFromDatabase) {
-        if (auto* context = store()) {
+        if (auto* context = with_.store.context()) {
             context->deleteObject(item);
         }
     } else {
@@ -71,8 +68,8 @@ void ItemDownloadManager::removePlaylistAndKeepTracks(const ItemPtr& playlist) {
     if (!playlist) {
         return;
     }
-    context_.singleton<TBMusicDownloadManager>().deleteCachedImagedFor(*playlist);
-    if (auto* context = store()) {
+    transfers_.deleteCachedImagedFor(*playlist);
+    if (auto* context = with_.store.context()) {
         context->deleteObject(playlist);
     }
     saveRemoval();
@@ -92,7 +89,7 @@ void ItemDownloadManager::loadAlbumTracksFor(const ItemPtr& album, bool force) {
         if (id.empty()) {
             continue;
         }
-        if (auto row = ItemDAO::findByID(id)) {
+        if (auto row = with_.dao.findByID(id)) {
             tracks.push_back(std::move(row));
         }
     }
@@ -104,11 +101,12 @@ void ItemDownloadManager::loadPlaylistItemsFor(const ItemPtr& playlist) {
         return;
     }
     std::vector<ItemPtr> items;
-    for (const auto& entry : PlaylistTracks::tracksForPlaylist(playlist->itemID.value_or(""))) {
+    for (const auto& entry :
+         PlaylistTracks::tracksForPlaylist(with_.store, playlist->itemID.value_or(""))) {
         if (!entry->trackId || entry->trackId->empty()) {
             continue;
         }
-        if (auto row = ItemDAO::findByID(*entry->trackId)) {
+        if (auto row = with_.dao.findByID(*entry->trackId)) {
             items.push_back(std::move(row));
         }
     }
@@ -116,13 +114,13 @@ void ItemDownloadManager::loadPlaylistItemsFor(const ItemPtr& playlist) {
 }
 
 void ItemDownloadManager::deleteAudioFileOf(const Item& item) {
-    const std::string path = item.localFileURL(context_.paths().documents);
+    const std::string path = item.localFileURL(documents());
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
         return;
     }
     if (std::filesystem::remove(path, error); error) {
-        context_.errorReporter().recordError(
+        with_.errors.recordError(
             Error{"NSCocoaErrorDomain", error.value(), error.message(), {{"NSFilePath", path}}});
     }
 }
@@ -134,15 +132,15 @@ void ItemDownloadManager::removeTrack(const ItemPtr& track) {
     track->downloaded = false;
     track->downloadCompleted = false;
     deleteAudioFileOf(*track);
-    context_.singleton<TBMusicDownloadManager>().deleteCachedImagedFor(*track);
-    if (auto* context = store()) {
+    transfers_.deleteCachedImagedFor(*track);
+    if (auto* context = with_.store.context()) {
         context->deleteObject(track);
     }
 }
 
 void ItemDownloadManager::saveRemoval() {
-    if (context_.singleton<TBCoreDataManager>().reportingSave("remove")) {
-        context_.notificationCenter().post(TBConstants::TBGlobalNotifications().download);
+    if (with_.store.reportingSave("remove")) {
+        with_.notifications.post(TBConstants::TBGlobalNotifications().download);
     }
 }
 

@@ -1,17 +1,30 @@
 #pragma once
 
+#include <string>
+
 #include "model/ItemAttributes.h"
 
 namespace tb {
 
-class AppContext;
+class ErrorReporter;
+class ItemDAO;
+class NotificationCenter;
+class TBCoreDataManager;
+class TBMusicDownloadManager;
 
 // Decides what a download request means for the store: which rows, files and artwork an
-// item brings and takes along. Instances are cheap and made where needed; `shared` is the
-// context's own.
+// item brings and takes along. TBMusicDownloadManager owns the app's one.
 class ItemDownloadManager {
   public:
-    explicit ItemDownloadManager(AppContext& context);
+    struct Collaborators {
+        TBCoreDataManager& store;
+        ItemDAO& dao;
+        ErrorReporter& errors;
+        NotificationCenter& notifications;
+    };
+
+    // `transfers` is the owner, whose artwork this removes.
+    ItemDownloadManager(Collaborators with, TBMusicDownloadManager& transfers);
 
     static ItemDownloadManager& shared();
 
@@ -29,6 +42,9 @@ class ItemDownloadManager {
     // Sets a playlist's `items` to the stored rows of its PlaylistTracks, in order.
     void loadPlaylistItemsFor(const ItemPtr& playlist);
 
+    // The documents directory of the store, where the audio and the artwork are.
+    std::string documents() const;
+
   private:
     // Deletes the audio file of the item, if there is one; a failure is recorded.
     void deleteAudioFileOf(const Item& item);
@@ -36,7 +52,8 @@ class ItemDownloadManager {
     // The reporting save with the label "remove"; posts "download" when it worked.
     void saveRemoval();
 
-    AppContext& context_;
+    Collaborators with_;
+    TBMusicDownloadManager& transfers_;
 };
 
 }  // namespace tb

@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 
-#include "app/AppContext.h"
 #include "model/Item.h"
 #include "model/TBUtil.h"
 #include "platform/AtomicWrite.h"
@@ -43,8 +42,11 @@ Error downloadError(const std::string& message) {
 
 }  // namespace
 
-TBDownloadImageOperation::TBDownloadImageOperation(AppContext& context, ItemPtr song)
-    : context_(context), song_(std::move(song)) {}
+TBDownloadImageOperation::TBDownloadImageOperation(HttpTransport& http,
+                                                   MainQueue& queue,
+                                                   std::string documents,
+                                                   ItemPtr song)
+    : http_(http), queue_(queue), documents_(std::move(documents)), song_(std::move(song)) {}
 
 std::vector<std::string> TBDownloadImageOperation::artworkURLsOf(const Item& item) {
     std::vector<std::string> urls;
@@ -69,22 +71,20 @@ void TBDownloadImageOperation::main() {
     setState(State::executing);
     std::vector<Promise<void>> downloads;
     if (song_) {
-        const std::string& documents = context_.paths().documents;
         for (const std::string& url : artworkURLsOf(*song_)) {
             std::error_code ignored;
-            if (!std::filesystem::exists(TBUtil::remoteUrlToArtworkFile(url, documents), ignored)) {
+            if (!std::filesystem::exists(TBUtil::remoteUrlToArtworkFile(url, documents_),
+                                         ignored)) {
                 downloads.push_back(download(url));
             }
         }
     }
     auto self = shared_from_this();
-    whenResolved(context_.mainQueue(), downloads).finally([self] {
-        self->setState(State::finished);
-    });
+    whenResolved(queue_, downloads).finally([self] { self->setState(State::finished); });
 }
 
 Promise<void> TBDownloadImageOperation::download(const std::string& url) {
-    MainQueue& queue = context_.mainQueue();
+    MainQueue& queue = queue_;
     if (!isWebURL(url)) {
         return Promise<void>::rejected(queue, Error{URLError::kDomain, URLError::kBadURL, url, {}});
     }
@@ -92,8 +92,8 @@ Promise<void> TBDownloadImageOperation::download(const std::string& url) {
     HttpRequest request;
     request.url = url;
     request.timeoutSeconds = kImageTimeoutSeconds;
-    const std::string target = TBUtil::remoteUrlToArtworkFile(url, context_.paths().documents);
-    context_.http().send(request, [url, target, resolver = pending.resolver](HttpResult result) {
+    const std::string target = TBUtil::remoteUrlToArtworkFile(url, documents_);
+    http_.send(request, [url, target, resolver = pending.resolver](HttpResult result) {
         if (!result.ok() || result.statusCode() < 200 || result.statusCode() > 299) {
             const bool cancelled = result.error && result.error->code == URLError::kCancelled;
             logLine("### Image download " + std::string(cancelled ? "cancelled" : "failed") + " " +

@@ -8,7 +8,8 @@
 
 namespace tb {
 
-class AppContext;
+class HttpTransport;
+class MainQueue;
 template <typename T>
 class Promise;
 
@@ -18,7 +19,11 @@ class Promise;
 // operation finishes when all are over, whatever became of them.
 class TBDownloadImageOperation final : public TBOperation {
   public:
-    TBDownloadImageOperation(AppContext& context, ItemPtr song);
+    // The artwork goes under `documents`.
+    TBDownloadImageOperation(HttpTransport& http,
+                             MainQueue& queue,
+                             std::string documents,
+                             ItemPtr song);
 
     const ItemPtr& song() const { return song_; }
 
@@ -33,7 +38,9 @@ class TBDownloadImageOperation final : public TBOperation {
   private:
     Promise<void> download(const std::string& url);
 
-    AppContext& context_;
+    HttpTransport& http_;
+    MainQueue& queue_;
+    std::string documents_;
     ItemPtr song_;
 };
 

@@ -4,26 +4,31 @@
 #include <filesystem>
 #include <system_error>
 
-#include "app/AppContext.h"
 #include "model/Item.h"
 #include "model/TBUtil.h"
 #include "offline/ItemDownloadManager.h"
 #include "offline/TBDownloadImageOperation.h"
+#include "platform/SharedInstance.h"
 
 namespace tb {
 
-TBMusicDownloadManager::TBMusicDownloadManager(AppContext& context)
-    : context_(context),
-      operationQueue_(context.mainQueue(), "TBMusicDownloadManager-downloadQueue", 1),
-      imageDownloadQueue_(context.mainQueue(), "TBMusicDownloadManager-imageDownloadQueue", 1) {}
+TBMusicDownloadManager::TBMusicDownloadManager(MainQueue& queue,
+                                               HttpTransport& http,
+                                               ItemDownloadManager::Collaborators items)
+    : queue_(queue),
+      http_(http),
+      items_(items, *this),
+      operationQueue_(queue, "TBMusicDownloadManager-downloadQueue", 1),
+      imageDownloadQueue_(queue, "TBMusicDownloadManager-imageDownloadQueue", 1) {}
 
 TBMusicDownloadManager& TBMusicDownloadManager::sharedManager() {
-    return AppContext::current().singleton<TBMusicDownloadManager>();
+    return SharedInstance<TBMusicDownloadManager>::get();
 }
 
 void TBMusicDownloadManager::cacheImages(const ItemPtr& item,
                                          const std::shared_ptr<TBOperation>& parentOperation) {
-    auto operation = std::make_shared<TBDownloadImageOperation>(context_, item);
+    auto operation =
+        std::make_shared<TBDownloadImageOperation>(http_, queue_, items_.documents(), item);
     if (parentOperation) {
         operation->addDependency(parentOperation);
     }
@@ -31,7 +36,7 @@ void TBMusicDownloadManager::cacheImages(const ItemPtr& item,
 }
 
 void TBMusicDownloadManager::deleteCachedImagedFor(const Item& item) {
-    const std::string& documents = context_.paths().documents;
+    const std::string documents = items_.documents();
     for (const auto& url : {item.image, item.smallImage, item.originalImage, item.banner}) {
         if (url && !url->empty()) {
             std::error_code ignored;
@@ -52,7 +57,7 @@ bool TBMusicDownloadManager::isPlaylistBeingDownloaded(const ItemPtr& playlist) 
     if (!playlist) {
         return false;
     }
-    ItemDownloadManager(context_).loadPlaylistItemsFor(playlist);
+    items_.loadPlaylistItemsFor(playlist);
     return anyBeingDownloaded(playlist->items);
 }
 
