@@ -9,11 +9,11 @@ namespace tb::test {
 
 CatalogueTest::CatalogueTest() {
     TBDataManager::useProd();
-    platform.context().singleton<TBSessionGateHolder>().install(&session);
+    platform.context().sessionGate().install(&session);
 }
 
 CatalogueTest::~CatalogueTest() {
-    platform.context().singleton<TBSessionGateHolder>().install(nullptr);
+    platform.context().sessionGate().install(nullptr);
 }
 
 ServiceCall CatalogueTest::call(std::size_t index) const {

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "api/ItemInfoRefresher.h"
 #include "api/TBDataManager.h"
-#include "model/ItemDAO.h"
 #include "support/DaoTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -63,16 +63,17 @@ class RefreshInfoTest : public DaoTest {
 
     Outcome refresh(const ItemPtr& item) {
         Outcome outcome;
-        ItemDAO::refreshInfoFor(
-            item,
-            [&outcome](const ItemPtr& result) {
-                ++outcome.successes;
-                outcome.result = result;
-            },
-            [&outcome](const std::optional<Error>& error) {
-                ++outcome.failures;
-                outcome.error = error;
-            });
+        ItemInfoRefresher(device.context().dataManager())
+            .refreshInfoFor(
+                item,
+                [&outcome](const ItemPtr& result) {
+                    ++outcome.successes;
+                    outcome.result = result;
+                },
+                [&outcome](const std::optional<Error>& error) {
+                    ++outcome.failures;
+                    outcome.error = error;
+                });
         device.queue.runUntilIdle();
         return outcome;
     }
@@ -192,12 +193,13 @@ TEST_F(RefreshInfoTest, AFailedRequestGoesToTheFailureBlockWithItsError) {
     auto item = song("s1");
     item->url = "https://stream.example/old";
     Outcome outcome;
-    ItemDAO::refreshInfoFor(
-        item, [&outcome](const ItemPtr&) { ++outcome.successes; },
-        [&outcome](const std::optional<Error>& error) {
-            ++outcome.failures;
-            outcome.error = error;
-        });
+    ItemInfoRefresher(device.context().dataManager())
+        .refreshInfoFor(
+            item, [&outcome](const ItemPtr&) { ++outcome.successes; },
+            [&outcome](const std::optional<Error>& error) {
+                ++outcome.failures;
+                outcome.error = error;
+            });
     ASSERT_EQ(device.http.count(), 1u);
     device.http.fail(0, URLError::kNotConnectedToInternet);
     device.queue.runUntilIdle();

@@ -19,7 +19,7 @@ class TBMusicRepositoryTest : public CatalogueTest {
         return result.value_or(PromiseResult<T>{});
     }
 
-    TBMusicRepository repository{platform.context()};
+    TBMusicRepository repository{platform.context().dataManager(), platform.queue};
 };
 
 TEST_F(TBMusicRepositoryTest, AMissingIdentifierRejectsWithoutAsking) {

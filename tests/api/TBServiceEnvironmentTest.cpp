@@ -14,7 +14,7 @@ namespace {
 
 TEST(TBServiceEnvironmentTest, PicksTheHostOfTheKeyStoreAndIsLiveBeforeAnyChoice) {
     test::TestPlatform platform;
-    auto& environment = platform.context().singleton<TBServiceEnvironment>();
+    auto& environment = platform.context().environment();
     EXPECT_EQ(environment.baseURL(), "https://api.tunebrook.test/v1/");
     environment.useDev();
     EXPECT_EQ(environment.baseURL(), "http://127.0.0.1:8081/v1/");
@@ -24,7 +24,7 @@ TEST(TBServiceEnvironmentTest, PicksTheHostOfTheKeyStoreAndIsLiveBeforeAnyChoice
 
 TEST(TBServiceEnvironmentTest, TheSignedClientsAreMadeOnTheChosenHost) {
     test::TestPlatform platform;
-    platform.context().singleton<TBServiceEnvironment>().useDev();
+    platform.context().environment().useDev();
     auto& manager = TBXAuthClientManager::sharedManager();
     EXPECT_EQ(manager.client().baseURL(), "http://127.0.0.1:8081/v1/");
     EXPECT_EQ(manager.jsonClient().baseURL(), "http://127.0.0.1:8081/v1/");
@@ -39,7 +39,7 @@ TEST(TBServiceEnvironmentTest, AHostWithoutItsSlashGetsOne) {
     AppOptions options;
     options.keysFile = path;
     test::TestPlatform platform(options);
-    auto& environment = platform.context().singleton<TBServiceEnvironment>();
+    auto& environment = platform.context().environment();
     environment.useDev();
     EXPECT_EQ(environment.baseURL(), "http://127.0.0.1:9/api/");
 }

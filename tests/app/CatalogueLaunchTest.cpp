@@ -34,7 +34,8 @@ class CatalogueLaunchTest : public ::testing::Test {
 };
 
 TEST_F(CatalogueLaunchTest, TheEnvironmentChoiceSetsTheCatalogueHost) {
-    TBPreferencesRepository(platform.context()).setLiveEnvironment(false);
+    TBPreferencesRepository(platform.defaults, platform.context().notificationCenter())
+        .setLiveEnvironment(false);
     launch();
     EXPECT_EQ(TBDataManager::baseURL(), "http://127.0.0.1:8081/v1/");
     EXPECT_EQ(TBXAuthClientManager::sharedManager().client().baseURL(),

@@ -139,7 +139,7 @@ TEST_F(TBAppDelegateTest, ThePickIsMadeOnceAndSurvivesAReinstall) {
     platform.random.script = {5};
     AppContext reinstalled(ports, platform.context().options());
     auto& app = TBAppDelegate::shared();
-    ASSERT_NE(&app, &platform.context().singleton<TBAppDelegate>());
+    ASSERT_NE(&app, &platform.context().appDelegate());
     ASSERT_EQ(app.didFinishLaunchingWithOptions(), std::nullopt);
 
     // One draw for the pick; the featured music's signed request draws its nonce too.
@@ -177,7 +177,8 @@ TEST_F(TBAppDelegateTest, AKeychainThatRefusesWritesRunsNeitherPickedReporter) {
 }
 
 TEST_F(TBAppDelegateTest, TheEnvironmentFollowsThePreference) {
-    TBPreferencesRepository(platform.context()).setLiveEnvironment(false);
+    TBPreferencesRepository(platform.defaults, platform.context().notificationCenter())
+        .setLiveEnvironment(false);
     const auto& app = launch();
     EXPECT_FALSE(app.liveEnvironment());
     EXPECT_EQ(outcomeOf(app, "environment"), "dev");

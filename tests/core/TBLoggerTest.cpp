@@ -27,7 +27,7 @@ TEST(TBLoggerTest, TheSharedLoggerBelongsToTheContext) {
     {
         test::TestPlatform platform;
         TBLogger::sharedInstance().inMemoryLog("one", "Mixpanel");
-        EXPECT_EQ(&TBLogger::sharedInstance(), &platform.context().singleton<TBLogger>());
+        EXPECT_EQ(&TBLogger::sharedInstance(), &platform.context().logger());
     }
     test::TestPlatform next;
     EXPECT_THAT(TBLogger::sharedInstance().inMemoryLog(), IsEmpty());

@@ -22,7 +22,7 @@ class TBPreferencesRepositoryTest : public ::testing::Test {
     }
 
     test::TestPlatform platform;
-    TBPreferencesRepository preferences{platform.context()};
+    TBPreferencesRepository preferences{platform.defaults, platform.context().notificationCenter()};
     std::vector<std::string> notifications;
 };
 
@@ -73,7 +73,9 @@ TEST_F(TBPreferencesRepositoryTest, TheRetiredGenreIsRenamedForGoodAtItsFirstRea
     EXPECT_EQ(standard().stringForKey("default_genre"), "afrobeats");
     EXPECT_EQ(standard().synchronizeCount(), synchronizedBefore + 1);
 
-    EXPECT_EQ(TBPreferencesRepository(platform.context()).defaultGenre(), "afrobeats");
+    EXPECT_EQ(TBPreferencesRepository(platform.defaults, platform.context().notificationCenter())
+                  .defaultGenre(),
+              "afrobeats");
     EXPECT_EQ(standard().synchronizeCount(), synchronizedBefore + 1);
 
     preferences.setDefaultGenre("rap");
@@ -174,11 +176,6 @@ TEST_F(TBPreferencesRepositoryTest, OnboardingAndRatingValuesUseTheirKeys) {
     standard().setInteger("inAppRatingFavoritedCount", 3);
     EXPECT_EQ(standard().integerForKey("inAppRatingDowloadedCount"), 6);
     EXPECT_EQ(preferences.inAppRatingFavoritedCount(), 3);
-}
-
-TEST_F(TBPreferencesRepositoryTest, AnyRepositoryOnTheContextSeesTheSameValues) {
-    preferences.setLiveEnvironment(false);
-    EXPECT_FALSE(TBPreferencesRepository().liveEnvironment());
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ TEST_F(TBToastUtilsTest, ToastsCarryTheImageOfTheirOutcome) {
 TEST(TBToastUtilsLifetimeTest, AToastUtilityGoneStopsObserving) {
     test::TestPlatform platform;
     {
-        TBToastUtils local(platform.context());
+        TBToastUtils local(platform.ui, platform.context().notificationCenter());
         local.showOfflineToast();
     }
     platform.context().notificationCenter().post(

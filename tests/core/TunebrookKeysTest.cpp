@@ -108,34 +108,42 @@ TEST_F(TunebrookKeysTest, TheFileComesFromTheOptionsOrTheConfigFolder) {
 
 TEST_F(TunebrookKeysTest, TheContextReadsTheFileOnceAndKeepsIt) {
     test::TestPlatform platform;
-    const auto& keys = platform.context().singleton<TunebrookKeys>();
+    const auto& keys = platform.context().keys();
     ASSERT_FALSE(keys.error());
     std::filesystem::remove(keys.path());
 
-    EXPECT_EQ(&platform.context().singleton<TunebrookKeys>(), &keys);
+    EXPECT_EQ(&platform.context().keys(), &keys);
     EXPECT_EQ(keys.bugsnagKey(), "test-bugsnagKey");
 }
 
-TEST_F(TunebrookKeysTest, TheSitePagesLiveOnTheOriginOfTheLiveService) {
+// The site pages and the host reachability watches are the service's web host: the one the
+// options name, never the API host beside it; without one, the live API address's origin.
+TEST_F(TunebrookKeysTest, TheWebHostIsTheNamedOneElseTheOriginOfTheLiveService) {
     auto json = test::testKeysJson();
     json.replace(json.find("https://api.tunebrook.test/v1/"), 30,
                  "http://user@127.0.0.1:8080/api/v1?x=1");
     const TunebrookKeys keys(writeFile(json));
     ASSERT_FALSE(keys.error());
+    AppOptions options;
+    EXPECT_EQ(TBLinks::webHostFor(options, keys), "http://127.0.0.1:8080");
+    options.webURL = "https://www.tunebrook.test/some/page";
+    EXPECT_EQ(TBLinks::webHostFor(options, keys), "https://www.tunebrook.test");
 
-    const TBLinks links(keys);
-    EXPECT_EQ(links.contactUs, "http://127.0.0.1:8080/contact-us");
-    EXPECT_EQ(links.privacyPolicy, "http://127.0.0.1:8080/privacy-policy");
-    EXPECT_EQ(links.termsOfService, "http://127.0.0.1:8080/about/terms-of-service");
-    EXPECT_EQ(links.dashboard, "http://127.0.0.1:8080/dashboard");
+    const TBLinks links(TBLinks::webHostFor(options, keys), keys.appleAppIdWithoutId());
+    EXPECT_EQ(links.contactUs, "https://www.tunebrook.test/contact-us");
+    EXPECT_EQ(links.privacyPolicy, "https://www.tunebrook.test/privacy-policy");
+    EXPECT_EQ(links.termsOfService, "https://www.tunebrook.test/about/terms-of-service");
+    EXPECT_EQ(links.dashboard, "https://www.tunebrook.test/dashboard");
     EXPECT_EQ(links.rating, links.appStore + "?action=write-review");
     EXPECT_NE(links.appStore.find("test-appleAppIdWithoutId"), std::string::npos);
 }
 
-TEST_F(TunebrookKeysTest, TheLinksOfTheConstantsFollowTheCurrentContext) {
-    test::TestPlatform platform;
-    EXPECT_EQ(TBConstants::TBLinks().dashboard, "https://api.tunebrook.test/dashboard");
-    EXPECT_EQ(&TBConstants::TBLinks(), &TBConstants::TBLinks());
+TEST_F(TunebrookKeysTest, TheAppsLinksAreOnTheWebHostItWasGiven) {
+    AppOptions options;
+    options.webURL = "https://www.tunebrook.test";
+    test::TestPlatform platform(options);
+    EXPECT_EQ(TBConstants::TBLinks().dashboard, "https://www.tunebrook.test/dashboard");
+    EXPECT_EQ(&TBConstants::TBLinks(), &platform.context().links());
 }
 
 }  // namespace

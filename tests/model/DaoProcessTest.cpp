@@ -31,9 +31,9 @@ namespace {
         const std::string id = "s" + std::to_string(n);
         auto item = downloadedSong(id, false);
         item->title = std::string(400, 't');
-        ItemDAO::saveItem(item);
-        ItemDAO::markAsDownloadCompleted(id);
-        PlaylistTracks::saveEntryForPlaylist("p", id, n);
+        launch.dao().saveItem(item);
+        launch.dao().markAsDownloadCompleted(id);
+        PlaylistTracks::saveEntryForPlaylist(launch.policy(), "p", id, n);
         if (device.errors.records.empty()) {
             writeToParent(out, id + "\n");
         }
@@ -99,7 +99,7 @@ TEST(DaoProcessTest, AKillInTheMiddleOfDaoSavesLeavesAStoreThatOpensWithEverySav
         next.startup();
         EXPECT_TRUE(device.errors.records.empty()) << "round " << round;
         ASSERT_NE(next.store(), nullptr);
-        const auto stored = ItemDAO::fetch(ItemDAO::allDownloadsCompletedPredicate());
+        const auto stored = next.dao().fetch(next.dao().allDownloadsCompletedPredicate());
         ASSERT_TRUE(stored);
         std::set<std::string> complete;
         for (const auto& row : *stored) {
@@ -108,7 +108,8 @@ TEST(DaoProcessTest, AKillInTheMiddleOfDaoSavesLeavesAStoreThatOpensWithEverySav
         for (const std::string& id : saved) {
             EXPECT_TRUE(complete.count(id))
                 << id << " was saved but is gone (round " << round << ")";
-            EXPECT_EQ(PlaylistTracks::playlistsThatContain(id), std::vector<std::string>{"p"})
+            EXPECT_EQ(PlaylistTracks::playlistsThatContain(next.policy(), id),
+                      std::vector<std::string>{"p"})
                 << id;
         }
         EXPECT_LE(complete.size(), saved.size() + 1);

@@ -40,7 +40,7 @@ TEST_F(DebugExportTest, ExportTextHasOneLinePerCachedListRowNewestFirst) {
     insertRow(playlist("list", {}));  // not in the list
     store().save();
 
-    EXPECT_EQ(ItemDAO::debugExportText(),
+    EXPECT_EQ(dao().debugExportText(),
               std::string(kHeader) + "newer,true," + fileURL("newer.mp3") +
                   ",0,song,2027-01-15 08:00:00 +0000,true,true\n" + "older,false," +
                   fileURL("older.mp3") + ",12345,song,2023-11-14 22:13:20 +0000,true,false\n" +
@@ -51,7 +51,7 @@ TEST_F(DebugExportTest, TheExportAndACompleteCopyOfTheStoreAreLeftForTheListener
     insertRow(downloadedSong("a", true, 1700000000));
     insertRow(downloadedSong("b", true, 1700000001));
 
-    const auto attachments = ItemDAO::sendDebugInfo();
+    const auto attachments = dao().sendDebugInfo();
     ASSERT_TRUE(attachments);
     ASSERT_EQ(attachments->size(), 2u);
     const auto& exported = (*attachments)[0];
@@ -61,8 +61,8 @@ TEST_F(DebugExportTest, TheExportAndACompleteCopyOfTheStoreAreLeftForTheListener
     EXPECT_EQ(storeCopy.fileName, "CoreData.sqlite");
     EXPECT_EQ(storeCopy.mimeType, "application/x-sqlite3");
     EXPECT_EQ(fs::path(exported.path).parent_path(), fs::path(documents()) / "debug-export");
-    EXPECT_EQ(readFileText(documents() + "/export.txt"), ItemDAO::debugExportText());
-    EXPECT_EQ(readFileText(exported.path), ItemDAO::debugExportText());
+    EXPECT_EQ(readFileText(documents() + "/export.txt"), dao().debugExportText());
+    EXPECT_EQ(readFileText(exported.path), dao().debugExportText());
 
     // The copy alone, without the store's sidecars, holds every row.
     PersistentStoreCoordinator copy(StoreModel::merged());
@@ -75,7 +75,7 @@ TEST_F(DebugExportTest, AnExportThatCantBeWrittenIsLoggedAndComposesNothing) {
     std::vector<std::string> lines;
     auto previous = setLogSink([&](std::string_view line) { lines.emplace_back(line); });
     writeBytes(documents() + "/debug-export", 3);  // a file where the folder must go
-    EXPECT_FALSE(ItemDAO::sendDebugInfo());
+    EXPECT_FALSE(dao().sendDebugInfo());
     setLogSink(previous);
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_THAT(lines[0], ::testing::StartsWith("Send debug info error: "));

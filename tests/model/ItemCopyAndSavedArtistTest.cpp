@@ -39,7 +39,7 @@ class ItemCopyAndSavedArtistTest : public DaoTest {
 TEST_F(ItemCopyAndSavedArtistTest, NewFromCopiesEveryStoredFieldIntoANewRecordOfTheContext) {
     const ItemPtr original = busyAlbum();
     ASSERT_TRUE(original);
-    const ItemPtr copy = Item::newFrom(original);
+    const ItemPtr copy = Item::newFrom(saving().context(), original);
     ASSERT_TRUE(copy);
     EXPECT_NE(copy, original);
     EXPECT_TRUE(copy->isInserted());
@@ -54,20 +54,20 @@ TEST_F(ItemCopyAndSavedArtistTest, NewFromCopiesEveryStoredFieldIntoANewRecordOf
 
     // It becomes a row with the next save, and not before.
     EXPECT_THAT(savedColumn("Item", "itemID"), IsEmpty());
-    TBCoreDataManager::sharedManager().save(nullptr);
+    saving().save(nullptr);
     EXPECT_THAT(savedColumn("Item", "itemID"), ElementsAre("al-900"));
     EXPECT_THAT(savedColumn("Item", "georestricted"), ElementsAre("1"));
 }
 
 TEST_F(ItemCopyAndSavedArtistTest, CachingAParsedArtistMakesACopyTheOneSavedArtist) {
-    EXPECT_EQ(Artist::savedArtist(), nullptr);
+    EXPECT_EQ(Artist::savedArtist(saving()), nullptr);
 
     const ArtistPtr parsed = Artist::parseFrom(fixture("artist.json"));
     ASSERT_TRUE(parsed);
     parsed->verifiedSearchResult = true;
-    parsed->cacheObject();
+    parsed->cacheObject(saving());
     EXPECT_FALSE(parsed->isManaged());
-    const ArtistPtr saved = Artist::savedArtist();
+    const ArtistPtr saved = Artist::savedArtist(saving());
     ASSERT_TRUE(saved);
     EXPECT_NE(saved, parsed);
     EXPECT_EQ(RecordJson::object(*saved), RecordJson::object(*parsed));
@@ -76,54 +76,54 @@ TEST_F(ItemCopyAndSavedArtistTest, CachingAParsedArtistMakesACopyTheOneSavedArti
 
     // A newer user record replaces it rather than joining it.
     const ArtistPtr newer = Artist::parseFrom(JSON(nlohmann::json{{"id", "557"}, {"name", "Ama"}}));
-    newer->cacheObject();
+    newer->cacheObject(saving());
     EXPECT_THAT(savedColumn("Artist", "artistId"), ElementsAre("557"));
-    EXPECT_EQ(Artist::savedArtist()->name, "Ama");
+    EXPECT_EQ(Artist::savedArtist(saving())->name, "Ama");
 
     // The next run finds it.
     Launch next(device);
     next.startup();
-    ASSERT_TRUE(Artist::savedArtist());
-    EXPECT_EQ(Artist::savedArtist()->artistId, "557");
+    ASSERT_TRUE(Artist::savedArtist(saving()));
+    EXPECT_EQ(Artist::savedArtist(saving())->artistId, "557");
 }
 
 TEST_F(ItemCopyAndSavedArtistTest, ANewObjectIsSavedByCachingItWithoutACopy) {
-    Artist::parseFrom(JSON(nlohmann::json{{"id", "old"}}))->cacheObject();
+    Artist::parseFrom(JSON(nlohmann::json{{"id", "old"}}))->cacheObject(saving());
 
-    const ArtistPtr fresh = Artist::newObject();
+    const ArtistPtr fresh = Artist::newObject(saving());
     ASSERT_TRUE(fresh);
     EXPECT_TRUE(fresh->isInserted());
     fresh->artistId = "new";
-    EXPECT_EQ(Artist::savedArtist()->artistId, "old");  // nothing is saved yet
+    EXPECT_EQ(Artist::savedArtist(saving())->artistId, "old");  // nothing is saved yet
 
-    fresh->cacheObject();
+    fresh->cacheObject(saving());
     EXPECT_THAT(savedColumn("Artist", "artistId"), ElementsAre("new"));
-    EXPECT_EQ(Artist::savedArtist(), fresh);  // the same record, not a copy of it
+    EXPECT_EQ(Artist::savedArtist(saving()), fresh);  // the same record, not a copy of it
 }
 
 TEST_F(ItemCopyAndSavedArtistTest, RemoveAllLeavesNoArtistRows) {
     for (const char* id : {"a", "b"}) {
-        Artist::newObject()->artistId = id;
+        Artist::newObject(saving())->artistId = id;
     }
-    TBCoreDataManager::sharedManager().save(nullptr);
+    saving().save(nullptr);
     ASSERT_THAT(savedColumn("Artist", "artistId"), ElementsAre("a", "b"));
 
-    Artist::removeAll();
+    Artist::removeAll(saving());
     EXPECT_THAT(savedColumn("Artist", "artistId"), IsEmpty());
-    EXPECT_EQ(Artist::savedArtist(), nullptr);
-    Artist::removeAll();  // nothing left to remove is fine
+    EXPECT_EQ(Artist::savedArtist(saving()), nullptr);
+    Artist::removeAll(saving());  // nothing left to remove is fine
 }
 
 TEST_F(ItemCopyAndSavedArtistTest, WithoutAStoreNothingIsMadeOrWritten) {
     Launch unopened(device);  // a run whose store was never opened
-    EXPECT_EQ(Item::newFrom(busyAlbum()), nullptr);
-    EXPECT_EQ(Artist::newObject(), nullptr);
-    EXPECT_EQ(Artist::savedArtist(), nullptr);
-    Artist::parseFrom(fixture("artist.json"))->cacheObject();
-    Artist::removeAll();
+    EXPECT_EQ(Item::newFrom(unopened.policy().context(), busyAlbum()), nullptr);
+    EXPECT_EQ(Artist::newObject(unopened.policy()), nullptr);
+    EXPECT_EQ(Artist::savedArtist(unopened.policy()), nullptr);
+    Artist::parseFrom(fixture("artist.json"))->cacheObject(unopened.policy());
+    Artist::removeAll(unopened.policy());
     EXPECT_TRUE(device.errors.records.empty());
 
-    EXPECT_EQ(Item::newFrom(nullptr), nullptr);
+    EXPECT_EQ(Item::newFrom(unopened.policy().context(), nullptr), nullptr);
 }
 
 }  // namespace

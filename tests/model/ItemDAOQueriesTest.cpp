@@ -4,6 +4,7 @@
 
 #include "model/ItemDAO.h"
 #include "model/PlaylistTracks.h"
+#include "model/TBCoreDataManager.h"
 #include "model/store/ObjectContext.h"
 #include "offline/TBMusicDownloadManager.h"
 #include "support/DaoTestSupport.h"
@@ -53,31 +54,31 @@ class ItemDAOQueriesTest : public DaoTest {
 
 TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
     storeEveryKind();
-    EXPECT_THAT(idsWhere(ItemDAO::cachedItemsPredicate()),
+    EXPECT_THAT(idsWhere(dao().cachedItemsPredicate()),
                 UnorderedElementsAre("song", "songSynced", "songRunning", "songCached",
                                      "songNotOffline", "album", "single", "playlistCached"));
-    EXPECT_THAT(idsWhere(ItemDAO::unsyncedDownloadsPredicate()),
+    EXPECT_THAT(idsWhere(dao().unsyncedDownloadsPredicate()),
                 UnorderedElementsAre("song", "songRunning", "album", "single"));
-    EXPECT_THAT(idsWhere(ItemDAO::offlineIdsPredicate()),
+    EXPECT_THAT(idsWhere(dao().offlineIdsPredicate()),
                 UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single",
                                      "ofAlbum", "ofPlaylist"));
-    EXPECT_THAT(idsWhere(ItemDAO::offlineAllPredicate()),
+    EXPECT_THAT(idsWhere(dao().offlineAllPredicate()),
                 UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single"));
-    EXPECT_THAT(idsWhere(ItemDAO::offlineSongsPredicate()),
+    EXPECT_THAT(idsWhere(dao().offlineSongsPredicate()),
                 UnorderedElementsAre("song", "songSynced", "songRunning", "single"));
-    EXPECT_THAT(idsWhere(ItemDAO::offlineAlbumsPredicate()), ElementsAre("album"));
-    EXPECT_THAT(idsWhere(ItemDAO::offlinePlaylistsPredicate()), ElementsAre("playlist"));
-    EXPECT_THAT(idsWhere(ItemDAO::allDownloadsCompletedPredicate()),
+    EXPECT_THAT(idsWhere(dao().offlineAlbumsPredicate()), ElementsAre("album"));
+    EXPECT_THAT(idsWhere(dao().offlinePlaylistsPredicate()), ElementsAre("playlist"));
+    EXPECT_THAT(idsWhere(dao().allDownloadsCompletedPredicate()),
                 UnorderedElementsAre("song", "songSynced", "songCached", "single", "ofAlbum",
                                      "ofPlaylist"));
 
-    EXPECT_THAT(ItemDAO::unsyncedDownloadsIds(),
+    EXPECT_THAT(dao().unsyncedDownloadsIds(),
                 UnorderedElementsAre("song", "songRunning", "album", "single"));
-    EXPECT_THAT(ItemDAO::offlineIds(),
+    EXPECT_THAT(dao().offlineIds(),
                 UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single",
                                      "ofAlbum", "ofPlaylist"));
     // The cached list comes newest first; rows without a date sort last.
-    const auto cached = ItemDAO::cachedItems();
+    const auto cached = dao().cachedItems();
     ASSERT_TRUE(cached);
     auto newestFirst = idsOf(*cached);
     ASSERT_EQ(newestFirst.size(), 8u);
@@ -92,7 +93,7 @@ TEST_F(ItemDAOQueriesTest, TheOfflineOrdersAreNewestOldestAndByArtist) {
     insertRow(downloadedSong("c", true, 100))->artist = "Moby";
     store().save();
     const auto order = [&](category::OfflineSorting sorting) {
-        return idsWhere(ItemDAO::offlineSongsPredicate(), {ItemDAO::sortDescriptorFor(sorting)});
+        return idsWhere(dao().offlineSongsPredicate(), {dao().sortDescriptorFor(sorting)});
     };
     EXPECT_THAT(order(category::OfflineSorting::newest), ElementsAre("a", "b", "c"));
     EXPECT_THAT(order(category::OfflineSorting::oldest), ElementsAre("c", "b", "a"));
@@ -109,11 +110,11 @@ TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButN
     second->downloaded = true;
     second->downloadDate = 20;
     store().save();
-    PlaylistTracks::saveEntryForPlaylist("p1", "t1", 0);
-    PlaylistTracks::saveEntryForPlaylist("p1", "t2", 1);
-    PlaylistTracks::saveEntryForPlaylist("p2", "t1", 0);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "p1", "t1", 0);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "p1", "t2", 1);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "p2", "t1", 0);
 
-    const auto rows = ItemDAO::offlinePlaylists(category::OfflineSorting::oldest);
+    const auto rows = dao().offlinePlaylists(category::OfflineSorting::oldest);
     ASSERT_TRUE(rows);
     EXPECT_THAT(idsOf(*rows), ElementsAre("p1", "p2"));
     EXPECT_EQ((*rows)[0]->playlistTracksCount, 2);
@@ -138,11 +139,11 @@ TEST_F(ItemDAOQueriesTest,
     list->title = "Bjork mix";
     store().save();
 
-    EXPECT_THAT(idsWhere(ItemDAO::offlineSearchPredicateFor("bJö")),
+    EXPECT_THAT(idsWhere(dao().offlineSearchPredicateFor("bJö")),
                 UnorderedElementsAre("bjork", "title", "track"));
-    EXPECT_THAT(idsWhere(ItemDAO::offlineSearchPredicateFor("zz")), IsEmpty());
+    EXPECT_THAT(idsWhere(dao().offlineSearchPredicateFor("zz")), IsEmpty());
     // The query is a value, not a pattern.
-    EXPECT_THAT(idsWhere(ItemDAO::offlineSearchPredicateFor("%")), IsEmpty());
+    EXPECT_THAT(idsWhere(dao().offlineSearchPredicateFor("%")), IsEmpty());
 }
 
 TEST_F(ItemDAOQueriesTest, DownloadStatesAreReadFromTheRowsAndAnEmptyIdIsNone) {
@@ -152,35 +153,35 @@ TEST_F(ItemDAOQueriesTest, DownloadStatesAreReadFromTheRowsAndAnEmptyIdIsNone) {
     insertRow(song(""))->downloaded = true;
     store().save();
 
-    EXPECT_TRUE(ItemDAO::isDownloaded("done"));
-    EXPECT_TRUE(ItemDAO::isDownloaded("running"));
-    EXPECT_FALSE(ItemDAO::isDownloaded("plain"));
-    EXPECT_FALSE(ItemDAO::isDownloaded("absent"));
-    EXPECT_FALSE(ItemDAO::isDownloaded(""));
-    EXPECT_TRUE(ItemDAO::isDownloadCompleted("done"));
-    EXPECT_FALSE(ItemDAO::isDownloadCompleted("running"));
-    EXPECT_FALSE(ItemDAO::isDownloadCompleted(""));
+    EXPECT_TRUE(dao().isDownloaded("done"));
+    EXPECT_TRUE(dao().isDownloaded("running"));
+    EXPECT_FALSE(dao().isDownloaded("plain"));
+    EXPECT_FALSE(dao().isDownloaded("absent"));
+    EXPECT_FALSE(dao().isDownloaded(""));
+    EXPECT_TRUE(dao().isDownloadCompleted("done"));
+    EXPECT_FALSE(dao().isDownloadCompleted("running"));
+    EXPECT_FALSE(dao().isDownloadCompleted(""));
 
-    EXPECT_EQ(ItemDAO::countDownloadedTracks({"done", "running", "plain", "absent"}), 1);
-    EXPECT_EQ(ItemDAO::countDownloadedTracks({"done", ""}), 0);
-    EXPECT_EQ(ItemDAO::countDownloadedTracks({}), 0);
+    EXPECT_EQ(dao().countDownloadedTracks({"done", "running", "plain", "absent"}), 1);
+    EXPECT_EQ(dao().countDownloadedTracks({"done", ""}), 0);
+    EXPECT_EQ(dao().countDownloadedTracks({}), 0);
 
-    EXPECT_EQ(ItemDAO::findByID("plain")->itemID, "plain");
-    EXPECT_EQ(ItemDAO::findByID(""), nullptr);
-    EXPECT_EQ(ItemDAO::findByID("absent"), nullptr);
+    EXPECT_EQ(dao().findByID("plain")->itemID, "plain");
+    EXPECT_EQ(dao().findByID(""), nullptr);
+    EXPECT_EQ(dao().findByID("absent"), nullptr);
 }
 
 TEST_F(ItemDAOQueriesTest, ADownloadedFileIsOkOnlyAbove10240Bytes) {
     const auto item = song("file");
     const std::string path = item->localFileURL(documents());
-    EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*item));
+    EXPECT_FALSE(dao().isDownloadedFileOkFor(*item));
     writeBytes(path, 10240);
-    EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*item));
+    EXPECT_FALSE(dao().isDownloadedFileOkFor(*item));
     writeBytes(path, 10241);
-    EXPECT_TRUE(ItemDAO::isDownloadedFileOkFor(*item));
+    EXPECT_TRUE(dao().isDownloadedFileOkFor(*item));
     fs::remove(path);
     fs::create_directory(path);  // a folder has no file size
-    EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*item));
+    EXPECT_FALSE(dao().isDownloadedFileOkFor(*item));
 }
 
 TEST_F(ItemDAOQueriesTest, AHostileIdNamesAFileInsideTheDocumentsFolderOnly) {
@@ -194,7 +195,7 @@ TEST_F(ItemDAOQueriesTest, AHostileIdNamesAFileInsideTheDocumentsFolderOnly) {
     // A big file where an id would point, were it a path, is not taken for its download.
     for (const std::string id : {"../escape", "sub/../../x"}) {
         writeBytes(fs::weakly_canonical(fs::path(documents()) / (id + ".mp3")).string(), 20000);
-        EXPECT_FALSE(ItemDAO::isDownloadedFileOkFor(*song(id))) << id;
+        EXPECT_FALSE(dao().isDownloadedFileOkFor(*song(id))) << id;
     }
 }
 
@@ -214,19 +215,19 @@ TEST_F(ItemDAOQueriesTest, AnAlbumIsCompleteWhenEveryStoredTrackIsAndAnAlbumWith
     notWanted->downloaded = false;
     store().save();
 
-    EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(none));
-    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(partial));
+    EXPECT_TRUE(dao().isAlbumFullyDownloaded(none));
+    EXPECT_FALSE(dao().isAlbumFullyDownloaded(partial));
     // A listed id without a row drops out of the tracks.
-    EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(whole));
+    EXPECT_TRUE(dao().isAlbumFullyDownloaded(whole));
     EXPECT_THAT(idsOf(whole->tracks), ElementsAre("t1"));
-    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(notWanted));
-    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(album("noRow", {song("t1")})));
+    EXPECT_FALSE(dao().isAlbumFullyDownloaded(notWanted));
+    EXPECT_FALSE(dao().isAlbumFullyDownloaded(album("noRow", {song("t1")})));
 
     second->downloadCompleted = true;
     store().save();
     partial->tracks.clear();
-    EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(partial));
-    EXPECT_TRUE(ItemDAO::isDownloadCompletedIdependentlyFromTypeFor(partial));
+    EXPECT_TRUE(dao().isAlbumFullyDownloaded(partial));
+    EXPECT_TRUE(dao().isDownloadCompletedIdependentlyFromTypeFor(partial));
 }
 
 TEST_F(ItemDAOQueriesTest, APlaylistIsCompleteWhenItsListedTracksAreAndNeverWithoutEntries) {
@@ -236,59 +237,59 @@ TEST_F(ItemDAOQueriesTest, APlaylistIsCompleteWhenItsListedTracksAreAndNeverWith
     list->downloaded = true;
     store().save();
 
-    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(list));  // no entries
-    PlaylistTracks::saveEntryForPlaylist("list", "t1", 0);
-    PlaylistTracks::saveEntryForPlaylist("list", "t2", 1);
-    EXPECT_TRUE(ItemDAO::isPlaylistFullyDownloaded(list));
-    EXPECT_TRUE(ItemDAO::isDownloadCompletedIdependentlyFromTypeFor(list));
-    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(playlist("noRow", {})));
+    EXPECT_FALSE(dao().isPlaylistFullyDownloaded(list));  // no entries
+    PlaylistTracks::saveEntryForPlaylist(saving(), "list", "t1", 0);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "list", "t2", 1);
+    EXPECT_TRUE(dao().isPlaylistFullyDownloaded(list));
+    EXPECT_TRUE(dao().isDownloadCompletedIdependentlyFromTypeFor(list));
+    EXPECT_FALSE(dao().isPlaylistFullyDownloaded(playlist("noRow", {})));
 
     // One track listed twice: the count of rows never reaches the length of the list.
-    PlaylistTracks::saveEntryForPlaylist("list", "t1", 2);
-    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(list));
+    PlaylistTracks::saveEntryForPlaylist(saving(), "list", "t1", 2);
+    EXPECT_FALSE(dao().isPlaylistFullyDownloaded(list));
 }
 
 TEST_F(ItemDAOQueriesTest, WhatIsBeingDownloadedIsToldByKind) {
     auto& transfers = TBMusicDownloadManager::sharedManager();
     auto t1 = insertRow(downloadedSong("t1", false));
     auto list = insertRow(playlist("list", {}));
-    PlaylistTracks::saveEntryForPlaylist("list", "t1", 0);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "list", "t1", 0);
     auto albumItem = album("album", {song("a1"), song("a2")});
 
-    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(t1));
-    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(list));
+    EXPECT_FALSE(dao().isBeingDownloadedIndependentlyFromTypeFor(t1));
+    EXPECT_FALSE(dao().isBeingDownloadedIndependentlyFromTypeFor(list));
     transfers.setItemBeingDownloaded("t1", false);
     transfers.setItemBeingDownloaded("a2", false);
-    EXPECT_TRUE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(t1));
+    EXPECT_TRUE(dao().isBeingDownloadedIndependentlyFromTypeFor(t1));
     // The playlist's items come from the store; the album's tracks are taken as they are.
-    EXPECT_TRUE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(list));
+    EXPECT_TRUE(dao().isBeingDownloadedIndependentlyFromTypeFor(list));
     EXPECT_THAT(idsOf(list->items), ElementsAre("t1"));
-    EXPECT_TRUE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(albumItem));
-    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(album("empty", {})));
+    EXPECT_TRUE(dao().isBeingDownloadedIndependentlyFromTypeFor(albumItem));
+    EXPECT_FALSE(dao().isBeingDownloadedIndependentlyFromTypeFor(album("empty", {})));
     transfers.setItemBeingDownloaded("t1", true);
-    EXPECT_FALSE(ItemDAO::isBeingDownloadedIndependentlyFromTypeFor(list));
+    EXPECT_FALSE(dao().isBeingDownloadedIndependentlyFromTypeFor(list));
 }
 
 TEST_F(ItemDAOQueriesTest, AFailedDownloadIsWantedUnfinishedAndIdle) {
     auto& transfers = TBMusicDownloadManager::sharedManager();
     auto failed = insertRow(downloadedSong("failed", false));
     auto done = insertRow(downloadedSong("done", true));
-    EXPECT_TRUE(ItemDAO::isDownloadFailedFor(failed));
-    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(done));
-    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(song("noRow")));
+    EXPECT_TRUE(dao().isDownloadFailedFor(failed));
+    EXPECT_FALSE(dao().isDownloadFailedFor(done));
+    EXPECT_FALSE(dao().isDownloadFailedFor(song("noRow")));
     transfers.setItemBeingDownloaded("failed", false);
-    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(failed));
+    EXPECT_FALSE(dao().isDownloadFailedFor(failed));
 
     auto albumItem = album("album", {});
     albumItem->tracksIDs = "failed,done";
     albumItem->downloaded = true;
     auto albumRow = insertRow(albumItem);
-    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(albumRow));  // a track is running
+    EXPECT_FALSE(dao().isDownloadFailedFor(albumRow));  // a track is running
     transfers.setItemBeingDownloaded("failed", true);
-    EXPECT_TRUE(ItemDAO::isDownloadFailedFor(albumRow));
+    EXPECT_TRUE(dao().isDownloadFailedFor(albumRow));
     failed->downloadCompleted = true;
     store().save();
-    EXPECT_FALSE(ItemDAO::isDownloadFailedFor(albumRow));
+    EXPECT_FALSE(dao().isDownloadFailedFor(albumRow));
 }
 
 TEST_F(ItemDAOQueriesTest, ImageURLsFallBackToTheMainImageOnlyWhenEmpty) {
@@ -296,52 +297,54 @@ TEST_F(ItemDAOQueriesTest, ImageURLsFallBackToTheMainImageOnlyWhenEmpty) {
     item.image = "main";
     item.smallImage = "";
     item.originalImage = "original";
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 0), "main");
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 1), "original");
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 2), "main");
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, -1), "main");
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, 0), "main");
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, 1), "original");
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, 2), "main");
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, -1), "main");
     item.smallImage.reset();
     item.originalImage = "";
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 0), std::nullopt);
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 1), "main");
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, 0), std::nullopt);
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, 1), "main");
     item.image.reset();
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 1), std::nullopt);
-    EXPECT_EQ(ItemDAO::getImageUrlForPresetFrom(item, 5), std::nullopt);
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, 1), std::nullopt);
+    EXPECT_EQ(dao().getImageUrlForPresetFrom(item, 5), std::nullopt);
 }
 
 TEST_F(ItemDAOQueriesTest, APlaylistContainsATrackByItsId) {
     auto list = playlist("list", {song("a"), song("b")});
-    EXPECT_TRUE(ItemDAO::playlistContainsTrackFor(*list, *song("b")));
-    EXPECT_FALSE(ItemDAO::playlistContainsTrackFor(*list, *song("c")));
+    EXPECT_TRUE(dao().playlistContainsTrackFor(*list, *song("b")));
+    EXPECT_FALSE(dao().playlistContainsTrackFor(*list, *song("c")));
     Item nameless;
     list->items.push_back(std::make_shared<Item>());
-    EXPECT_FALSE(ItemDAO::playlistContainsTrackFor(*list, nameless));
-    EXPECT_FALSE(ItemDAO::playlistContainsTrackFor(*playlist("empty", {}), *song("a")));
+    EXPECT_FALSE(dao().playlistContainsTrackFor(*list, nameless));
+    EXPECT_FALSE(dao().playlistContainsTrackFor(*playlist("empty", {}), *song("a")));
 }
 
 TEST(ItemDAOWithoutStoreTest, EveryQueryIsEmptyAndEveryWriteDoesNothing) {
     TestPlatform device;  // no startup: no context
+    ItemDAO& dao = device.context().itemDAO();
+    TBCoreDataManager& saving = device.context().coreDataManager();
     auto item = downloadedSong("a", true);
-    EXPECT_EQ(ItemDAO::newItem(), nullptr);
-    EXPECT_EQ(ItemDAO::saveItem(item), item);
-    EXPECT_EQ(ItemDAO::findByID("a"), nullptr);
-    EXPECT_FALSE(ItemDAO::cachedItems());
-    EXPECT_FALSE(ItemDAO::offlinePlaylists(category::OfflineSorting::newest));
-    EXPECT_EQ(ItemDAO::countDownloadedTracks({"a"}), 0);
-    EXPECT_FALSE(ItemDAO::isDownloaded("a"));
-    EXPECT_FALSE(ItemDAO::isDownloadCompleted("a"));
-    EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(album("b", {})));
-    EXPECT_FALSE(ItemDAO::isPlaylistFullyDownloaded(playlist("c", {})));
-    EXPECT_THAT(ItemDAO::offlineIds(), IsEmpty());
-    EXPECT_THAT(ItemDAO::unsyncedDownloadsIds(), IsEmpty());
-    EXPECT_THAT(PlaylistTracks::tracksForPlaylist("c"), IsEmpty());
-    EXPECT_EQ(PlaylistTracks::playlistsTrackCount("c"), 0);
-    ItemDAO::markAsDownloaded("a");
-    ItemDAO::markAsDownloadCompleted("a");
-    ItemDAO::markItemsAsSynced("a,b");
-    ItemDAO::removeDuplicateWithID("a");
-    PlaylistTracks::saveEntryForPlaylist("c", "a", 0);
-    PlaylistTracks::savePlaylist(*playlist("c", {song("a")}));
+    EXPECT_EQ(dao.newItem(), nullptr);
+    EXPECT_EQ(dao.saveItem(item), item);
+    EXPECT_EQ(dao.findByID("a"), nullptr);
+    EXPECT_FALSE(dao.cachedItems());
+    EXPECT_FALSE(dao.offlinePlaylists(category::OfflineSorting::newest));
+    EXPECT_EQ(dao.countDownloadedTracks({"a"}), 0);
+    EXPECT_FALSE(dao.isDownloaded("a"));
+    EXPECT_FALSE(dao.isDownloadCompleted("a"));
+    EXPECT_FALSE(dao.isAlbumFullyDownloaded(album("b", {})));
+    EXPECT_FALSE(dao.isPlaylistFullyDownloaded(playlist("c", {})));
+    EXPECT_THAT(dao.offlineIds(), IsEmpty());
+    EXPECT_THAT(dao.unsyncedDownloadsIds(), IsEmpty());
+    EXPECT_THAT(PlaylistTracks::tracksForPlaylist(saving, "c"), IsEmpty());
+    EXPECT_EQ(PlaylistTracks::playlistsTrackCount(saving, "c"), 0);
+    dao.markAsDownloaded("a");
+    dao.markAsDownloadCompleted("a");
+    dao.markItemsAsSynced("a,b");
+    dao.removeDuplicateWithID("a");
+    PlaylistTracks::saveEntryForPlaylist(saving, "c", "a", 0);
+    PlaylistTracks::savePlaylist(saving, *playlist("c", {song("a")}));
     EXPECT_TRUE(device.errors.records.empty());
     EXPECT_FALSE(fs::exists(storePathOf(device)));
 }

@@ -52,17 +52,17 @@ TEST_F(ItemDAOWritesTest, SavingAnItemCopiesItIntoANewRowWhereNilValuesKeepTheDe
     auto item = downloadedSong("s1", true, 1234.5);
     item->album.reset();
     item->volumeData = std::vector<std::int64_t>{1, 2, 3};
-    auto row = ItemDAO::saveItem(item);
+    auto row = dao().saveItem(item);
     ASSERT_NE(row, item);
     EXPECT_TRUE(row->isManaged());
     EXPECT_FALSE(item->isManaged());
     EXPECT_EQ(row->title, item->title);
     EXPECT_EQ(row->volumeData, item->volumeData);
     EXPECT_FALSE(row->album);
-    EXPECT_EQ(ItemDAO::findByID("s1"), row);
+    EXPECT_EQ(dao().findByID("s1"), row);
     EXPECT_THAT(savedColumn("Item", "downloadDate"), ElementsAre("1234.5"));
     EXPECT_THAT(savedColumn("Item", "album"), ElementsAre("NULL"));
-    EXPECT_TRUE(ItemDAO::newItem() && !ItemDAO::newItem()->isManaged());
+    EXPECT_TRUE(dao().newItem() && !dao().newItem()->isManaged());
 }
 
 TEST_F(ItemDAOWritesTest, AlbumTracksOnTheDeviceJoinTheAlbumWhilePlaylistItemsAlwaysGetNewRows) {
@@ -71,8 +71,7 @@ TEST_F(ItemDAOWritesTest, AlbumTracksOnTheDeviceJoinTheAlbumWhilePlaylistItemsAl
     single->downloaded = true;
     insertRow(single);
 
-    ItemDAO::saveItem(
-        album("a", {albumTrack("t1", "a"), albumTrack("t2", "a"), albumTrack("", "a")}));
+    dao().saveItem(album("a", {albumTrack("t1", "a"), albumTrack("t2", "a"), albumTrack("", "a")}));
     EXPECT_EQ(rowsOf("a"), 1);
     EXPECT_EQ(rowsOf("t1"), 1);
     EXPECT_EQ(rowsOf("t2"), 1);
@@ -80,8 +79,8 @@ TEST_F(ItemDAOWritesTest, AlbumTracksOnTheDeviceJoinTheAlbumWhilePlaylistItemsAl
     EXPECT_THAT(savedColumn("Item", "albumTrackDownloadedAsSingle", "itemID = 't1'"),
                 ElementsAre("0"));
 
-    ItemDAO::saveItem(playlist("p", {playlistTrack("t1", "p"), playlistTrack("t3", "p")}));
-    ItemDAO::saveItem(playlist("p", {playlistTrack("t1", "p"), playlistTrack("t3", "p")}));
+    dao().saveItem(playlist("p", {playlistTrack("t1", "p"), playlistTrack("t3", "p")}));
+    dao().saveItem(playlist("p", {playlistTrack("t1", "p"), playlistTrack("t3", "p")}));
     EXPECT_EQ(rowsOf("p"), 2);
     EXPECT_EQ(rowsOf("t1"), 3);
     EXPECT_EQ(rowsOf("t3"), 2);
@@ -98,12 +97,12 @@ TEST_F(ItemDAOWritesTest, RemovingDuplicatesKeepsTheFirstRowAndTakesTheOthersDow
     insertRow(downloadedSong("one", true));
     writeBytes(first->localFileURL(documents()), 20000);
 
-    ItemDAO::removeDuplicateWithID("one");
-    ItemDAO::removeDuplicateWithID("");
+    dao().removeDuplicateWithID("one");
+    dao().removeDuplicateWithID("");
     EXPECT_EQ(downloadNotifications, 0);
-    ItemDAO::removeDuplicateWithID("dup");
+    dao().removeDuplicateWithID("dup");
     EXPECT_THAT(savedColumn("Item", "title", "itemID = 'dup'"), ElementsAre("first"));
-    EXPECT_EQ(ItemDAO::findByID("dup"), first);
+    EXPECT_EQ(dao().findByID("dup"), first);
     EXPECT_EQ(downloadNotifications, 2);
     // The duplicates share the kept row's file name, so the file goes with them.
     EXPECT_FALSE(fs::exists(first->localFileURL(documents())));
@@ -116,13 +115,13 @@ TEST_F(ItemDAOWritesTest, TheDownloadMarksSetTheFirstRowOfTheIdAndAreSaved) {
     cached->cached = true;
     store().save();
 
-    ItemDAO::markAsDownloaded("m");
+    dao().markAsDownloaded("m");
     EXPECT_THAT(savedColumn("Item", "downloaded", "itemID = 'm'"), ElementsAre("1", "0"));
-    ItemDAO::markAsDownloadCompleted("c");
+    dao().markAsDownloadCompleted("c");
     EXPECT_THAT(savedColumn("Item", "downloaded || downloadCompleted || cached", "itemID = 'c'"),
                 ElementsAre("110"));
-    ItemDAO::markAsDownloaded("");
-    ItemDAO::markAsDownloadCompleted("absent");
+    dao().markAsDownloaded("");
+    dao().markAsDownloadCompleted("absent");
     EXPECT_FALSE(second->downloaded);
     EXPECT_TRUE(device.errors.records.empty());
 }
@@ -137,10 +136,10 @@ TEST_F(ItemDAOWritesTest, SyncingAListMarksTheWholeOfflineSetAndOneIdItsRow) {
     store().save();
     const auto synced = [&] { return savedColumn("Item", "itemID", "synced = 1"); };
 
-    ItemDAO::markItemsAsSynced("");
-    ItemDAO::markItemsAsSynced("plain");
+    dao().markItemsAsSynced("");
+    dao().markItemsAsSynced("plain");
     EXPECT_THAT(synced(), ElementsAre("plain"));
-    ItemDAO::markItemsAsSynced("a,b");
+    dao().markItemsAsSynced("a,b");
     EXPECT_THAT(synced(), ElementsAre("a", "b", "c", "plain"));
 }
 
@@ -153,14 +152,14 @@ TEST_F(ItemDAOWritesTest, AFresherPlaylistBringsItsTextsAndDropsOnlyFinishedTrac
     insertRow(downloadedSong("kept", true));
     insertRow(downloadedSong("finished", true));
     insertRow(downloadedSong("unfinished", false));
-    PlaylistTracks::savePlaylist(
-        *playlist("p", {song("finished"), song("unfinished"), song("kept"), song("neverStored")}));
+    PlaylistTracks::savePlaylist(saving(), *playlist("p", {song("finished"), song("unfinished"),
+                                                           song("kept"), song("neverStored")}));
 
     auto fresher = playlist("p", {song("kept"), song("new")});
     fresher->title = "New";
     fresher->banner.reset();
     fresher->lastUpdated = "2026-11-01";
-    ItemDAO::updatePlaylist(row, fresher);
+    dao().updatePlaylist(row, fresher);
 
     EXPECT_THAT(savedColumn("Item", "title || '|' || banner || '|' || lastUpdated", "itemID = 'p'"),
                 ElementsAre("New|https://img.example/banner-old.jpg|2026-11-01"));
@@ -169,13 +168,13 @@ TEST_F(ItemDAOWritesTest, AFresherPlaylistBringsItsTextsAndDropsOnlyFinishedTrac
     EXPECT_EQ(TBMusicDownloadManager::sharedManager().imageDownloadQueue().operationCount(), 1u);
 
     // A fresher copy without items changes no entries.
-    ItemDAO::updatePlaylist(row, playlist("p", {}));
-    EXPECT_EQ(PlaylistTracks::playlistsTrackCount("p"), 3);
+    dao().updatePlaylist(row, playlist("p", {}));
+    EXPECT_EQ(PlaylistTracks::playlistsTrackCount(saving(), "p"), 3);
 }
 
 TEST_F(ItemDAOWritesTest, TheCommentsCountIsSaved) {
     auto row = insertRow(song("s"));
-    ItemDAO::updateCommentsCountFor(row, 42);
+    dao().updateCommentsCountFor(row, 42);
     EXPECT_THAT(savedColumn("Item", "commentsCount"), ElementsAre("42"));
 }
 
@@ -190,21 +189,21 @@ TEST_F(ItemDAOWritesTest, FailedWritesAreReportedWithTheirLabelsAndNeverRebuildT
     };
     auto refused = song("r");
     refused->title = "REFUSED";
-    EXPECT_THAT(failIn([&] { ItemDAO::saveItem(refused); }), ElementsAre("19 save"));
-    EXPECT_THAT(failIn([&] { ItemDAO::saveItem(album("a", {refused})); }),
+    EXPECT_THAT(failIn([&] { dao().saveItem(refused); }), ElementsAre("19 save"));
+    EXPECT_THAT(failIn([&] { dao().saveItem(album("a", {refused})); }),
                 ElementsAre("19 save - album track"));
-    EXPECT_THAT(failIn([&] { ItemDAO::saveItem(playlist("p", {refused})); }),
+    EXPECT_THAT(failIn([&] { dao().saveItem(playlist("p", {refused})); }),
                 ElementsAre("19 save - playlist item"));
-    EXPECT_THAT(failIn([] { ItemDAO::markAsDownloaded("locked"); }),
+    EXPECT_THAT(failIn([&] { dao().markAsDownloaded("locked"); }),
                 ElementsAre("19 markAsDownloaded:itemId"));
-    EXPECT_THAT(failIn([] { ItemDAO::markAsDownloadCompleted("locked"); }),
+    EXPECT_THAT(failIn([&] { dao().markAsDownloadCompleted("locked"); }),
                 ElementsAre("19 markAsDownloadCompleted:itemId"));
     // These writes learn nothing of their failure.
-    EXPECT_THAT(failIn([] { ItemDAO::updateCommentsCountFor(ItemDAO::findByID("locked"), 3); }),
+    EXPECT_THAT(failIn([&] { dao().updateCommentsCountFor(dao().findByID("locked"), 3); }),
                 IsEmpty());
-    EXPECT_THAT(failIn([] { ItemDAO::markItemsAsSynced("locked"); }), IsEmpty());
+    EXPECT_THAT(failIn([&] { dao().markItemsAsSynced("locked"); }), IsEmpty());
 
-    EXPECT_TRUE(TBCoreDataManager::sharedManager().alertShown());
+    EXPECT_TRUE(saving().alertShown());
     device.queue.advanceBy(5);
     EXPECT_TRUE(device.ui.alerts.empty());
     EXPECT_EQ(rowsOf("locked"), 1);

@@ -254,7 +254,7 @@ TEST_F(StoreOpeningTest, AStoreWithABrokenPageOfRowsIsRebuiltAsACorruptOne) {
     auto row = launch.store()->insertNewObject<Item>();
     row->itemID = "after";
     ASSERT_TRUE(launch.store()->save());
-    EXPECT_EQ(ItemDAO::findByID("after"), row);
+    EXPECT_EQ(launch.dao().findByID("after"), row);
     device.queue.advanceBy(1.001);
     ASSERT_EQ(device.ui.alerts.size(), 1u);
     EXPECT_EQ(device.ui.alerts[0].message,
@@ -355,7 +355,7 @@ int fillUntilAReportingSaveFails(int out, const std::string& home) {
     for (int i = 0; i < 100000 && device.errors.records.empty(); ++i) {
         auto item = song(std::to_string(i));
         item->title = std::string(3000, 'a' + static_cast<char>(i % 26));
-        ItemDAO::saveItem(item);
+        launch.dao().saveItem(item);
     }
     if (device.errors.records.empty()) {
         return 3;

@@ -49,7 +49,7 @@ class ItemDownloadManagerTest : public DaoTest {
     bool onDisk(const Item& item) { return fs::exists(audio(item)) || fs::exists(art(item)); }
     std::vector<std::string> storedIds() { return savedColumn("Item", "itemID"); }
 
-    ItemDownloadManager manager{device.context()};
+    ItemDownloadManager& manager = device.context().itemDownloads();
     int downloadNotifications = 0;
 };
 
@@ -78,8 +78,8 @@ TEST_F(ItemDownloadManagerTest, RemovingAPlaylistTakesEveryListedTrackEvenOneSha
     auto a = onDevice(playlistTrack("a", "p"));
     auto b = onDevice(playlistTrack("b", "p"));
     auto keep = onDevice(song("keep"));
-    PlaylistTracks::savePlaylist(*playlist("p", {a, b}));
-    PlaylistTracks::savePlaylist(*playlist("q", {b}));
+    PlaylistTracks::savePlaylist(saving(), *playlist("p", {a, b}));
+    PlaylistTracks::savePlaylist(saving(), *playlist("q", {b}));
 
     manager.removeDownloadOf(list, true);
     EXPECT_THAT(storedIds(), ElementsAre("keep"));
@@ -87,8 +87,9 @@ TEST_F(ItemDownloadManagerTest, RemovingAPlaylistTakesEveryListedTrackEvenOneSha
         EXPECT_FALSE(onDisk(*gone)) << *gone->itemID;
     }
     EXPECT_TRUE(onDisk(*keep));
-    EXPECT_THAT(PlaylistTracks::tracksForPlaylist("p"), IsEmpty());
-    EXPECT_EQ(PlaylistTracks::playlistsTrackCount("q"), 1);  // no reference count, knowingly
+    EXPECT_THAT(PlaylistTracks::tracksForPlaylist(saving(), "p"), IsEmpty());
+    EXPECT_EQ(PlaylistTracks::playlistsTrackCount(saving(), "q"),
+              1);  // no reference count, knowingly
     EXPECT_FALSE(b->downloaded);
     EXPECT_EQ(downloadNotifications, 1);
 }
@@ -129,7 +130,7 @@ TEST_F(ItemDownloadManagerTest, AnAudioFileThatCantBeDeletedIsRecordedAndTheRest
 TEST_F(ItemDownloadManagerTest, RemovingAPlaylistButKeepingItsTracksTakesOnlyItsRowAndArtwork) {
     auto list = onDevice(playlist("p", {}));
     auto a = onDevice(playlistTrack("a", "p"));
-    PlaylistTracks::savePlaylist(*playlist("p", {a}));
+    PlaylistTracks::savePlaylist(saving(), *playlist("p", {a}));
     manager.removePlaylistAndKeepTracks(list);
     EXPECT_THAT(storedIds(), ElementsAre("a"));
     EXPECT_FALSE(fs::exists(art(*list)));
@@ -164,16 +165,16 @@ TEST_F(ItemDownloadManagerTest, AlbumTracksComeInTheOrderOfTheirIdsAndUnknownIds
 TEST_F(ItemDownloadManagerTest, PlaylistItemsComeInTheOrderOfTheirEntries) {
     insertRow(song("x"));
     insertRow(song("y"));
-    PlaylistTracks::saveEntryForPlaylist("p", "x", 4);
-    PlaylistTracks::saveEntryForPlaylist("p", "missing", 1);
-    PlaylistTracks::saveEntryForPlaylist("p", "y", 2);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "p", "x", 4);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "p", "missing", 1);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "p", "y", 2);
     auto list = playlist("p", {song("stale")});
     manager.loadPlaylistItemsFor(list);
     EXPECT_THAT(idsOf(list->items), ElementsAre("y", "x"));
 }
 
 TEST_F(ItemDownloadManagerTest, TheDownloadManagerKnowsWhatIsRunningAndDropsArtwork) {
-    auto& transfers = TBMusicDownloadManager::sharedManager();
+    auto& transfers = device.context().musicDownloads();
     transfers.setItemBeingDownloaded("a", false);
     transfers.setItemBeingDownloaded("b", false);
     transfers.setItemBeingDownloaded("b", true);
@@ -183,7 +184,7 @@ TEST_F(ItemDownloadManagerTest, TheDownloadManagerKnowsWhatIsRunningAndDropsArtw
     EXPECT_TRUE(transfers.isAlbumBeingDownloaded(*album("al", {song("b"), song("a")})));
     EXPECT_FALSE(transfers.isAlbumBeingDownloaded(*album("al", {song("b")})));
     insertRow(song("a"));
-    PlaylistTracks::saveEntryForPlaylist("p", "a", 0);
+    PlaylistTracks::saveEntryForPlaylist(saving(), "p", "a", 0);
     EXPECT_TRUE(transfers.isPlaylistBeingDownloaded(playlist("p", {})));
     EXPECT_FALSE(transfers.isPlaylistBeingDownloaded(playlist("q", {song("a")})));
 
@@ -205,7 +206,7 @@ TEST_F(ItemDownloadManagerTest, ArtworkCachedAfterASongWaitsForIt) {
       protected:
         void main() override { setState(State::executing); }
     };
-    auto& transfers = TBMusicDownloadManager::sharedManager();
+    auto& transfers = device.context().musicDownloads();
     auto parent = std::make_shared<Parent>();
     transfers.operationQueue().addOperation(parent);
     transfers.cacheImages(song("s"), parent);

@@ -117,14 +117,5 @@ TEST_F(OperationQueueTest, AStateChangeIsToldWillNewWillOldDidOldDidNew) {
     EXPECT_TRUE(a->isAsynchronous());
 }
 
-TEST(TBMusicDownloadManagerQueuesTest, OneSongAndOneArtworkAtATime) {
-    TestPlatform device;
-    auto& manager = TBMusicDownloadManager::sharedManager();
-    EXPECT_EQ(manager.operationQueue().name(), "TBMusicDownloadManager-downloadQueue");
-    EXPECT_EQ(manager.operationQueue().maxConcurrentOperationCount(), 1);
-    EXPECT_EQ(manager.imageDownloadQueue().name(), "TBMusicDownloadManager-imageDownloadQueue");
-    EXPECT_EQ(manager.imageDownloadQueue().maxConcurrentOperationCount(), 1);
-}
-
 }  // namespace
 }  // namespace tb::test

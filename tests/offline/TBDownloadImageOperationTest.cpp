@@ -31,7 +31,8 @@ class TBDownloadImageOperationTest : public ::testing::Test {
     ~TBDownloadImageOperationTest() override { setLogSink(previousSink_); }
 
     std::shared_ptr<TBDownloadImageOperation> run(const ItemPtr& item) {
-        auto operation = std::make_shared<TBDownloadImageOperation>(device.context(), item);
+        auto operation = std::make_shared<TBDownloadImageOperation>(
+            device.http, device.queue, device.context().paths().documents, item);
         operation->start();
         device.queue.runUntilIdle();
         return operation;

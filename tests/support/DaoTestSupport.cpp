@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "api/TBDataManager.h"
+#include "model/ItemDAO.h"
 #include "model/TBCoreDataManager.h"
 #include "model/store/EntityDescription.h"
 #include "model/store/FetchRequest.h"
@@ -23,11 +24,15 @@ Launch::Launch(TestPlatform& device)
 Launch::~Launch() = default;
 
 TBDataManager& Launch::data() {
-    return context_->singleton<TBDataManager>();
+    return context_->dataManager();
 }
 
 TBCoreDataManager& Launch::policy() {
-    return context_->singleton<TBCoreDataManager>();
+    return context_->coreDataManager();
+}
+
+ItemDAO& Launch::dao() {
+    return context_->itemDAO();
 }
 
 ObjectContext* Launch::store() {
@@ -40,11 +45,19 @@ Launch& Launch::startup() {
 }
 
 DaoTest::DaoTest() {
-    TBDataManager::sharedManager().startup();
+    device.context().dataManager().startup();
 }
 
 ObjectContext& DaoTest::store() {
-    return *TBDataManager::sharedManager().managedObjectContext();
+    return *device.context().dataManager().managedObjectContext();
+}
+
+ItemDAO& DaoTest::dao() {
+    return device.context().itemDAO();
+}
+
+TBCoreDataManager& DaoTest::saving() {
+    return device.context().coreDataManager();
 }
 
 std::vector<std::string> DaoTest::savedColumn(const std::string& table,
@@ -158,6 +171,7 @@ ItemPtr playlistTrack(const std::string& id, const std::string& playlistId) {
 }
 
 ItemPtr insertRow(const ItemPtr& item) {
+    // The newest app's store: the device's own, or a later launch's.
     auto& context = *TBDataManager::sharedManager().managedObjectContext();
     auto row = context.insertNewObject<Item>();
     EntityDescription::copyAttributes(*item, *row, true);

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 namespace tb {
+class ItemDAO;
 class ObjectContext;
 class TBCoreDataManager;
 class TBDataManager;
@@ -33,6 +34,7 @@ class Launch {
     AppContext& context() { return *context_; }
     TBDataManager& data();
     TBCoreDataManager& policy();
+    ItemDAO& dao();
     // The context after startup (null when there is none).
     ObjectContext* store();
 
@@ -53,6 +55,8 @@ class DaoTest : public ::testing::Test {
     DaoTest();
 
     ObjectContext& store();
+    ItemDAO& dao();
+    TBCoreDataManager& saving();
     const std::string& documents() { return device.context().paths().documents; }
     // The values of one column of a table, read straight from the file through a
     // connection of its own (saved rows only), in row order; "NULL" for NULL.
