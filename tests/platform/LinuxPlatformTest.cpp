@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "app/AppContext.h"
 #include "platform/ErrorReporter.h"
 #include "platform/ExternalSdks.h"
 #include "platform/KeychainStore.h"
