@@ -104,12 +104,4 @@ nlohmann::json resultsOf(const std::vector<nlohmann::json>& rows) {
     return {{"results", rows}};
 }
 
-std::vector<std::string> idsOf(const std::vector<ItemPtr>& items) {
-    std::vector<std::string> ids;
-    for (const auto& item : items) {
-        ids.push_back(item && item->itemID ? *item->itemID : "<nil>");
-    }
-    return ids;
-}
-
 }  // namespace tb::test

@@ -11,6 +11,7 @@
 #include "api/TBDataManager.h"
 #include "api/TBFailureInfo.h"
 #include "api/TBSessionGate.h"
+#include "support/DaoTestSupport.h"
 #include "support/TestPlatform.h"
 
 #include <gtest/gtest.h>
@@ -91,7 +92,5 @@ nlohmann::json restrictedSongJson(const std::string& id);
 nlohmann::json playlistJson(const std::string& id, const std::string& title = "Playlist");
 nlohmann::json artistJson(const std::string& id, const std::string& slug);
 nlohmann::json resultsOf(const std::vector<nlohmann::json>& rows);
-
-std::vector<std::string> idsOf(const std::vector<ItemPtr>& items);
 
 }  // namespace tb::test

@@ -182,7 +182,7 @@ ItemPtr insertRow(const ItemPtr& item) {
 std::vector<std::string> idsOf(const std::vector<ItemPtr>& items) {
     std::vector<std::string> ids;
     for (const auto& item : items) {
-        ids.push_back(item->itemID.value_or("<nil>"));
+        ids.push_back(item && item->itemID ? *item->itemID : "<nil>");
     }
     return ids;
 }
