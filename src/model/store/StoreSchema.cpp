@@ -88,6 +88,43 @@ bool bringUp(SqliteDatabase& database, const EntityDescription& entity, SqliteEr
     return true;
 }
 
+// Whether every table, column and index of the model is in the file already, read in one
+// statement (this is also the read that loads the schema).
+bool isCurrent(SqliteDatabase& database,
+               const ManagedObjectModel& model,
+               bool& current,
+               SqliteError* error) {
+    auto statement = database.prepare(
+        "SELECT m.name, p.name FROM sqlite_master AS m, pragma_table_info(m.name) AS p "
+        "WHERE m.type = 'table' UNION ALL "
+        "SELECT '', name FROM sqlite_master WHERE type = 'index'",
+        error);
+    if (!statement) {
+        return false;
+    }
+    std::set<std::string> names;  // "table.column", and ".index"
+    while (true) {
+        const auto step = statement->step(error);
+        if (step == SqliteStatement::Step::error) {
+            return false;
+        }
+        if (step == SqliteStatement::Step::done) {
+            break;
+        }
+        names.insert(std::string(statement->columnText(0)) + "." +
+                     std::string(statement->columnText(1)));
+    }
+    current = true;
+    for (const EntityDescription* entity : model.entities()) {
+        for (const AttributeDescription& attribute : entity->attributes()) {
+            current = current && names.count(entity->name() + "." + attribute.name()) &&
+                      (!attribute.isIndexed() ||
+                       names.count("." + entity->name() + "_" + attribute.name()));
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 std::string StoreSchema::columnType(const EntityDescription& entity, int attributeIndex) {
@@ -120,6 +157,13 @@ std::string StoreSchema::createTableSQL(const EntityDescription& entity) {
 bool StoreSchema::apply(SqliteDatabase& database,
                         const ManagedObjectModel& model,
                         SqliteError* error) {
+    bool current = false;
+    if (!isCurrent(database, model, current, error)) {
+        return false;
+    }
+    if (current) {
+        return true;  // the usual launch: nothing to write, so no write lock is taken
+    }
     if (!database.execute("BEGIN IMMEDIATE", error)) {
         return false;
     }
