@@ -63,6 +63,7 @@ void ItemDownloadManager::removeDownloadOf(const ItemPtr& item, bool removeFromD
         item->downloadDate.reset();
         item->downloaded = false;
         item->downloadCompleted = false;
+        item->didChange();
     }
     saveRemoval();
 }
@@ -97,6 +98,7 @@ void ItemDownloadManager::loadAlbumTracksFor(const ItemPtr& album, bool force) {
         }
     }
     album->tracks = std::move(tracks);
+    album->didChange();
 }
 
 void ItemDownloadManager::loadPlaylistItemsFor(const ItemPtr& playlist) {
@@ -113,6 +115,7 @@ void ItemDownloadManager::loadPlaylistItemsFor(const ItemPtr& playlist) {
         }
     }
     playlist->items = std::move(items);
+    playlist->didChange();
 }
 
 void ItemDownloadManager::deleteAudioFileOf(const Item& item) {

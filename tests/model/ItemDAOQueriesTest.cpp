@@ -1,6 +1,7 @@
 // The queries of ItemDAO over a real store: the offline lists, the download states, files.
 
 #include <filesystem>
+#include <tuple>
 
 #include "model/ItemDAO.h"
 #include "model/PlaylistTracks.h"
@@ -24,7 +25,8 @@ class ItemDAOQueriesTest : public DaoTest {
     // Rows in every offline state, each named after what it is.
     void storeEveryKind() {
         insertRow(downloadedSong("song", true, 100));
-        insertRow(downloadedSong("songSynced", true, 90))->synced = true;
+        auto songSynced = insertRow(downloadedSong("songSynced", true, 90));
+        songSynced->synced = true;
         insertRow(downloadedSong("songRunning", false, 80));
         auto cachedSong = insertRow(downloadedSong("songCached", true, 70));
         cachedSong->cached = true;
@@ -47,6 +49,10 @@ class ItemDAOQueriesTest : public DaoTest {
         ofPlaylist->downloadCompleted = true;
         auto cachedPlaylist = insertRow(playlist("playlistCached", {}));
         cachedPlaylist->cached = true;
+        for (const auto& row : {songSynced, cachedSong, albumRow, single, ofAlbum, playlistRow,
+                                ofPlaylist, cachedPlaylist}) {
+            row->didChange();
+        }
         store().save();
     }
 };
@@ -87,9 +93,12 @@ TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
 }
 
 TEST_F(ItemDAOQueriesTest, TheOfflineOrdersAreNewestOldestAndByArtist) {
-    insertRow(downloadedSong("b", true, 200))->artist = "Zed";
-    insertRow(downloadedSong("a", true, 300))->artist = "Abba";
-    insertRow(downloadedSong("c", true, 100))->artist = "Moby";
+    for (auto [id, date, artist] : {std::tuple{"b", 200, "Zed"}, std::tuple{"a", 300, "Abba"},
+                                    std::tuple{"c", 100, "Moby"}}) {
+        auto row = insertRow(downloadedSong(id, true, date));
+        row->artist = artist;
+        row->didChange();
+    }
     store().save();
     const auto order = [&](category::OfflineSorting sorting) {
         return idsWhere(ItemDAO::offlineSongsPredicate(), {ItemDAO::sortDescriptorFor(sorting)});
@@ -108,6 +117,8 @@ TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButN
     auto second = insertRow(playlist("p2", {}));
     second->downloaded = true;
     second->downloadDate = 20;
+    first->didChange();
+    second->didChange();
     store().save();
     PlaylistTracks::saveEntryForPlaylist("p1", "t1", 0);
     PlaylistTracks::saveEntryForPlaylist("p1", "t2", 1);
