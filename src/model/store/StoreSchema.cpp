@@ -1,6 +1,9 @@
 #include "model/store/StoreSchema.h"
 
+#include <cstdint>
 #include <set>
+#include <string>
+#include <string_view>
 
 #include "model/store/EntityDescription.h"
 #include "model/store/ManagedObjectModel.h"
@@ -88,40 +91,39 @@ bool bringUp(SqliteDatabase& database, const EntityDescription& entity, SqliteEr
     return true;
 }
 
-// Whether every table, column and index of the model is in the file already, read in one
-// statement (this is also the read that loads the schema).
+// A number that changes whenever the model's tables, columns or indexes do. The file keeps
+// the number of the model it was last brought up to (as its user version), so that a launch
+// with the same model tells by one read that there is nothing to do.
+std::int64_t fingerprintOf(const ManagedObjectModel& model) {
+    std::uint32_t hash = 2166136261u;
+    const auto mix = [&](std::string_view text) {
+        for (char c : text) {
+            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+        }
+        hash = (hash ^ 0xffu) * 16777619u;
+    };
+    for (const EntityDescription* entity : model.entities()) {
+        mix(entity->name());
+        for (const AttributeDescription& attribute : entity->attributes()) {
+            mix(attribute.name());
+            mix(std::to_string(static_cast<int>(attribute.type())) +
+                (attribute.isIndexed() ? "i" : ""));
+            mix(attribute.defaultSQL());
+        }
+    }
+    return static_cast<std::int64_t>(hash & 0x7fffffffu) | 1;  // never 0, a new file's
+}
+
+// Reading the user version is also the read that loads the schema.
 bool isCurrent(SqliteDatabase& database,
                const ManagedObjectModel& model,
                bool& current,
                SqliteError* error) {
-    auto statement = database.prepare(
-        "SELECT m.name, p.name FROM sqlite_master AS m, pragma_table_info(m.name) AS p "
-        "WHERE m.type = 'table' UNION ALL "
-        "SELECT '', name FROM sqlite_master WHERE type = 'index'",
-        error);
-    if (!statement) {
+    auto statement = database.prepare("PRAGMA user_version", error);
+    if (!statement || statement->step(error) != SqliteStatement::Step::row) {
         return false;
     }
-    std::set<std::string> names;  // "table.column", and ".index"
-    while (true) {
-        const auto step = statement->step(error);
-        if (step == SqliteStatement::Step::error) {
-            return false;
-        }
-        if (step == SqliteStatement::Step::done) {
-            break;
-        }
-        names.insert(std::string(statement->columnText(0)) + "." +
-                     std::string(statement->columnText(1)));
-    }
-    current = true;
-    for (const EntityDescription* entity : model.entities()) {
-        for (const AttributeDescription& attribute : entity->attributes()) {
-            current = current && names.count(entity->name() + "." + attribute.name()) &&
-                      (!attribute.isIndexed() ||
-                       names.count("." + entity->name() + "_" + attribute.name()));
-        }
-    }
+    current = statement->columnInt64(0) == fingerprintOf(model);
     return true;
 }
 
@@ -173,7 +175,8 @@ bool StoreSchema::apply(SqliteDatabase& database,
             return false;
         }
     }
-    if (!database.execute("COMMIT", error)) {
+    const std::string mark = "PRAGMA user_version = " + std::to_string(fingerprintOf(model));
+    if (!database.execute(mark, error) || !database.execute("COMMIT", error)) {
         database.execute("ROLLBACK");
         return false;
     }
