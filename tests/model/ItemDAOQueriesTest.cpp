@@ -135,8 +135,10 @@ TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButN
 
 TEST_F(ItemDAOQueriesTest,
        TheOfflineSearchFindsDownloadedMusicByTitleOrArtistWithoutCaseOrAccents) {
-    insertRow(downloadedSong("bjork", true))->artist = "Björk";
-    insertRow(downloadedSong("title", true))->title = "Army of Me (BJORK remix)";
+    auto bjork = insertRow(downloadedSong("bjork", true));
+    bjork->artist = "Björk";
+    auto remix = insertRow(downloadedSong("title", true));
+    remix->title = "Army of Me (BJORK remix)";
     auto track = insertRow(albumTrack("track", "album"));
     track->downloaded = true;
     track->title = "bjork live";
@@ -147,6 +149,9 @@ TEST_F(ItemDAOQueriesTest,
     auto list = insertRow(playlist("list", {}));
     list->downloaded = true;
     list->title = "Bjork mix";
+    for (const auto& row : {bjork, remix, track, cached, list}) {
+        row->didChange();
+    }
     store().save();
 
     EXPECT_THAT(idsWhere(ItemDAO::offlineSearchPredicateFor("bJö")),
@@ -223,6 +228,7 @@ TEST_F(ItemDAOQueriesTest, AnAlbumIsCompleteWhenEveryStoredTrackIsAndAnAlbumWith
     auto whole = albumOf("whole", "t1,,missing");
     auto notWanted = albumOf("notWanted", "t1");
     notWanted->downloaded = false;
+    notWanted->didChange();
     store().save();
 
     EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(none));
@@ -234,6 +240,7 @@ TEST_F(ItemDAOQueriesTest, AnAlbumIsCompleteWhenEveryStoredTrackIsAndAnAlbumWith
     EXPECT_FALSE(ItemDAO::isAlbumFullyDownloaded(album("noRow", {song("t1")})));
 
     second->downloadCompleted = true;
+    second->didChange();
     store().save();
     partial->tracks.clear();
     EXPECT_TRUE(ItemDAO::isAlbumFullyDownloaded(partial));
@@ -298,6 +305,7 @@ TEST_F(ItemDAOQueriesTest, AFailedDownloadIsWantedUnfinishedAndIdle) {
     transfers.setItemBeingDownloaded("failed", true);
     EXPECT_TRUE(ItemDAO::isDownloadFailedFor(albumRow));
     failed->downloadCompleted = true;
+    failed->didChange();
     store().save();
     EXPECT_FALSE(ItemDAO::isDownloadFailedFor(albumRow));
 }
