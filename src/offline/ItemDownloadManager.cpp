@@ -60,6 +60,7 @@ void ItemDownloadManager::removeDownloadOf(const ItemPtr& item, bool removeFromD
         item->downloadDate.reset();
         item->downloaded = false;
         item->downloadCompleted = false;
+        item->didChange();
     }
     saveRemoval();
 }
@@ -94,6 +95,7 @@ void ItemDownloadManager::loadAlbumTracksFor(const ItemPtr& album, bool force) {
         }
     }
     album->tracks = std::move(tracks);
+    album->didChange();
 }
 
 void ItemDownloadManager::loadPlaylistItemsFor(const ItemPtr& playlist) {
@@ -111,6 +113,7 @@ void ItemDownloadManager::loadPlaylistItemsFor(const ItemPtr& playlist) {
         }
     }
     playlist->items = std::move(items);
+    playlist->didChange();
 }
 
 void ItemDownloadManager::deleteAudioFileOf(const Item& item) {

@@ -1,6 +1,7 @@
 // The queries of ItemDAO over a real store: the offline lists, the download states, files.
 
 #include <filesystem>
+#include <tuple>
 
 #include "model/ItemDAO.h"
 #include "model/PlaylistTracks.h"
@@ -25,7 +26,8 @@ class ItemDAOQueriesTest : public DaoTest {
     // Rows in every offline state, each named after what it is.
     void storeEveryKind() {
         insertRow(downloadedSong("song", true, 100));
-        insertRow(downloadedSong("songSynced", true, 90))->synced = true;
+        auto songSynced = insertRow(downloadedSong("songSynced", true, 90));
+        songSynced->synced = true;
         insertRow(downloadedSong("songRunning", false, 80));
         auto cachedSong = insertRow(downloadedSong("songCached", true, 70));
         cachedSong->cached = true;
@@ -48,6 +50,10 @@ class ItemDAOQueriesTest : public DaoTest {
         ofPlaylist->downloadCompleted = true;
         auto cachedPlaylist = insertRow(playlist("playlistCached", {}));
         cachedPlaylist->cached = true;
+        for (const auto& row : {songSynced, cachedSong, albumRow, single, ofAlbum, playlistRow,
+                                ofPlaylist, cachedPlaylist}) {
+            row->didChange();
+        }
         store().save();
     }
 };
@@ -88,9 +94,12 @@ TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
 }
 
 TEST_F(ItemDAOQueriesTest, TheOfflineOrdersAreNewestOldestAndByArtist) {
-    insertRow(downloadedSong("b", true, 200))->artist = "Zed";
-    insertRow(downloadedSong("a", true, 300))->artist = "Abba";
-    insertRow(downloadedSong("c", true, 100))->artist = "Moby";
+    for (auto [id, date, artist] : {std::tuple{"b", 200, "Zed"}, std::tuple{"a", 300, "Abba"},
+                                    std::tuple{"c", 100, "Moby"}}) {
+        auto row = insertRow(downloadedSong(id, true, date));
+        row->artist = artist;
+        row->didChange();
+    }
     store().save();
     const auto order = [&](category::OfflineSorting sorting) {
         return idsWhere(dao().offlineSongsPredicate(), {dao().sortDescriptorFor(sorting)});
@@ -109,6 +118,8 @@ TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButN
     auto second = insertRow(playlist("p2", {}));
     second->downloaded = true;
     second->downloadDate = 20;
+    first->didChange();
+    second->didChange();
     store().save();
     PlaylistTracks::saveEntryForPlaylist(saving(), "p1", "t1", 0);
     PlaylistTracks::saveEntryForPlaylist(saving(), "p1", "t2", 1);
@@ -125,8 +136,10 @@ TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButN
 
 TEST_F(ItemDAOQueriesTest,
        TheOfflineSearchFindsDownloadedMusicByTitleOrArtistWithoutCaseOrAccents) {
-    insertRow(downloadedSong("bjork", true))->artist = "Björk";
-    insertRow(downloadedSong("title", true))->title = "Army of Me (BJORK remix)";
+    auto bjork = insertRow(downloadedSong("bjork", true));
+    bjork->artist = "Björk";
+    auto remix = insertRow(downloadedSong("title", true));
+    remix->title = "Army of Me (BJORK remix)";
     auto track = insertRow(albumTrack("track", "album"));
     track->downloaded = true;
     track->title = "bjork live";
@@ -137,6 +150,9 @@ TEST_F(ItemDAOQueriesTest,
     auto list = insertRow(playlist("list", {}));
     list->downloaded = true;
     list->title = "Bjork mix";
+    for (const auto& row : {bjork, remix, track, cached, list}) {
+        row->didChange();
+    }
     store().save();
 
     EXPECT_THAT(idsWhere(dao().offlineSearchPredicateFor("bJö")),
@@ -213,6 +229,7 @@ TEST_F(ItemDAOQueriesTest, AnAlbumIsCompleteWhenEveryStoredTrackIsAndAnAlbumWith
     auto whole = albumOf("whole", "t1,,missing");
     auto notWanted = albumOf("notWanted", "t1");
     notWanted->downloaded = false;
+    notWanted->didChange();
     store().save();
 
     EXPECT_TRUE(dao().isAlbumFullyDownloaded(none));
@@ -224,6 +241,7 @@ TEST_F(ItemDAOQueriesTest, AnAlbumIsCompleteWhenEveryStoredTrackIsAndAnAlbumWith
     EXPECT_FALSE(dao().isAlbumFullyDownloaded(album("noRow", {song("t1")})));
 
     second->downloadCompleted = true;
+    second->didChange();
     store().save();
     partial->tracks.clear();
     EXPECT_TRUE(dao().isAlbumFullyDownloaded(partial));
@@ -288,6 +306,7 @@ TEST_F(ItemDAOQueriesTest, AFailedDownloadIsWantedUnfinishedAndIdle) {
     transfers.setItemBeingDownloaded("failed", true);
     EXPECT_TRUE(dao().isDownloadFailedFor(albumRow));
     failed->downloadCompleted = true;
+    failed->didChange();
     store().save();
     EXPECT_FALSE(dao().isDownloadFailedFor(albumRow));
 }

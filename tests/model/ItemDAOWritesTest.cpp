@@ -91,6 +91,7 @@ TEST_F(ItemDAOWritesTest, RemovingDuplicatesKeepsTheFirstRowAndTakesTheOthersDow
     countDownloadNotifications();
     auto first = insertRow(downloadedSong("dup", true));
     first->title = "first";
+    first->didChange();
     store().save();
     insertRow(downloadedSong("dup", false));
     insertRow(downloadedSong("dup", false));
@@ -132,6 +133,7 @@ TEST_F(ItemDAOWritesTest, SyncingAListMarksTheWholeOfflineSetAndOneIdItsRow) {
     insertRow(downloadedSong("c", true));
     auto cached = insertRow(downloadedSong("cached", true));
     cached->cached = true;
+    cached->didChange();
     insertRow(song("plain"));
     store().save();
     const auto synced = [&] { return savedColumn("Item", "itemID", "synced = 1"); };

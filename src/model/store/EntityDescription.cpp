@@ -126,6 +126,7 @@ void EntityDescription::copyAttributes(const ManagedObject& from, ManagedObject&
         }
         FieldOps::copy(fromAttribute, value, toAttribute, toAttribute.field(to));
     }
+    to.didChange();  // a row's record copied into is written by the next save
 }
 
 }  // namespace tb

@@ -29,23 +29,32 @@ class ManagedObject {
     // True when the record was inserted into its context and not saved yet.
     bool isInserted() const { return (flags_ & kInserted) != 0; }
 
+    // Tells the record's context that fields of this record were set, so that its next save
+    // writes them (and fetches until then see them). Records are plain structs: the context
+    // can't see a field being set, and looks at no record that was not named this way. Does
+    // nothing on a detached record. Main queue only.
+    void didChange();
+    // True when the record has changes its context has not saved yet.
+    bool hasChanges() const { return (flags_ & (kInserted | kChanged)) != 0; }
+
   protected:
     ManagedObject() = default;
     ManagedObject(const ManagedObject&) noexcept {}  // copies are detached
     ManagedObject& operator=(const ManagedObject&) noexcept { return *this; }
 
   private:
-    friend class ObjectContext;
+    friend class RecordState;
     static constexpr std::uint8_t kInserted = 1;
     static constexpr std::uint8_t kDeleted = 2;
     static constexpr std::uint8_t kPartial = 4;  // fetched with some properties only
+    static constexpr std::uint8_t kChanged = 8;  // named as changed since the last save
 
-    // The store's bookkeeping. The snapshot is a hash of the stored values as last read or
-    // written, so that the context can tell a changed record from an unchanged one. A
-    // partial record keeps one hash per attribute it has read or written instead.
+    // The store's bookkeeping, read and written by the context on the main queue only. The
+    // record's destructor touches none of it, so the last reference may go on any thread.
+    // A partial record keeps one hash per attribute it has read or written, to tell which of
+    // its fields were set (the others hold defaults, not the row's values).
     ObjectContext* context_ = nullptr;
     std::int64_t rowID_ = 0;
-    std::uint64_t snapshot_ = 0;
     std::vector<std::pair<std::int32_t, std::uint64_t>> partialSnapshot_;
     std::uint8_t flags_ = 0;
 };

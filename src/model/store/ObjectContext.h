@@ -18,23 +18,22 @@ namespace tb {
 class EntityDescription;
 class PersistentStoreCoordinator;
 
-// The one context of the store, used on the main queue only.
+// The one context of the store, used on the main queue only (a debug build stops the
+// process when another thread uses it).
 //
-// Records are plain structs, so the context finds what changed by itself: for each record
-// it fetched or saved it keeps a hash of the stored values, and `save` writes the records
-// whose values no longer hash the same, with the inserts and deletes, in one transaction.
-// Finding them means hashing every record the context knows, so that save costs in
-// proportion to what is held (a long list held on screen makes every save slow). A writer
-// that knows which records it changed names them to `saveChangesOf`, which looks at those
-// alone and so costs what the changes cost.
+// Changes are tracked as they are made: inserts and deletes by the calls that make them, and
+// changes to a record's fields when the record is told of them (`ManagedObject::didChange`,
+// or by naming it to `saveChangesOf`). A save writes exactly those, in one transaction, and
+// looks at no other record: it costs what changed, however many records are held.
 //
-// Identity: while anyone holds a record, fetching its row again gives the same object.
-// A record whose last reference goes away with unsaved changes is not lost: the context
-// keeps it (and its changes) until the next save, rollback or reset.
+// Identity: while anyone holds a record, fetching its row again gives the same object, so a
+// flag set on an item is seen by every list that holds it. The context keeps no record alive
+// for that (it holds weak references), and the last reference to a record may go on any
+// thread. A record with unsaved changes is kept by the context until the next save,
+// rollback or reset.
 //
-// Queries read the saved rows. Pending deletes are left out of fetches and counts at once;
-// pending inserts and changes to field values count from the save on (the app saves right
-// after it changes rows).
+// Fetches and counts see the pending changes: inserted records that match, changed fields,
+// and no deleted records.
 //
 // A record fetched with properties-to-fetch holds defaults in its other fields. Saving it
 // writes the fetched fields that changed and the others that were changed away from their
@@ -80,14 +79,15 @@ class ObjectContext {
     // another) are ignored.
     void deleteObject(const std::shared_ptr<ManagedObject>& record);
 
+    // Marks the record as changed: its fields are written by the next save. Records of no
+    // context (or of another), inserted and deleted ones are ignored.
+    void objectDidChange(ManagedObject& record);
+
     // Writes every insert, change and delete in one transaction; on failure nothing is
-    // written and the changes stay pending.
+    // written and the changes stay pending. A store whose index is found damaged on the way
+    // has its indexes rebuilt from the rows, and the save is tried once more.
     bool save(Error* error = nullptr);
-    // The same save, for a writer that names the records it changed: those, every insert,
-    // every delete and every record kept for its changes are written; no other record is
-    // looked at. A change to a record not named stays pending until the next save(), or
-    // until its record is let go (it is then kept, and written by the next save of either
-    // kind). Records of no context, or of another, are ignored.
+    // The same save, after marking the named records as changed (see objectDidChange).
     bool saveChangesOf(const std::vector<std::shared_ptr<ManagedObject>>& records,
                        Error* error = nullptr);
     bool hasChanges() const;
@@ -97,7 +97,7 @@ class ObjectContext {
     // Forgets every record: pending changes are dropped and all records become detached.
     void reset();
 
-    // Records the context knows now (held by someone, or kept for their changes).
+    // Records the context knows now (held by someone, or kept for their changes, or inserted).
     std::size_t registeredObjectCount() const;
 
     class ResultSink {
@@ -120,27 +120,12 @@ class ObjectContext {
     };
 
     struct Impl;
-    friend struct Impl;
 
     bool fetchInto(const FetchRequest& request,
                    const EntityDescription* expected,
                    ResultSink& sink,
                    Error* error);
     std::shared_ptr<ManagedObject> insert(const EntityDescription& entity);
-    // The deleter of every record the context hands out.
-    static void release(ManagedObject* record);
-
-    // Bookkeeping access for Impl (ManagedObject befriends this class only).
-    static ObjectContext*& contextOf(ManagedObject& record) { return record.context_; }
-    static std::int64_t& rowIDOf(ManagedObject& record) { return record.rowID_; }
-    static std::uint64_t& snapshotOf(ManagedObject& record) { return record.snapshot_; }
-    static std::vector<std::pair<std::int32_t, std::uint64_t>>& partialOf(ManagedObject& record) {
-        return record.partialSnapshot_;
-    }
-    static std::uint8_t& flagsOf(ManagedObject& record) { return record.flags_; }
-    static constexpr std::uint8_t kInserted = ManagedObject::kInserted;
-    static constexpr std::uint8_t kDeleted = ManagedObject::kDeleted;
-    static constexpr std::uint8_t kPartial = ManagedObject::kPartial;
 
     std::unique_ptr<Impl> impl_;
 };

@@ -65,23 +65,6 @@ bool configure(SqliteDatabase& database, SqliteError* error) {
     return true;
 }
 
-// Reading the header and the schema proves little: a broken page of rows would open
-// cleanly and then fail every fetch that reaches it, for as long as the file is kept. The
-// quick check walks every page once (without comparing indexes to their tables), so such a
-// file is found here and takes the corrupt store's way: it is rebuilt.
-bool pagesAreSound(SqliteDatabase& database, SqliteError* error) {
-    const auto verdict = pragmaText(database, "PRAGMA quick_check(1)", error);
-    if (!verdict) {
-        return false;
-    }
-    if (*verdict != "ok") {
-        *error = SqliteError{SQLITE_CORRUPT, SQLITE_CORRUPT, 0,
-                             "database disk image is malformed: " + *verdict};
-        return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 PersistentStoreCoordinator::PersistentStoreCoordinator(ManagedObjectModel model)
@@ -93,7 +76,10 @@ bool PersistentStoreCoordinator::addPersistentStore(const std::string& path, Err
     removePersistentStore();
     SqliteError failure;
     auto database = SqliteDatabase::open(path, &failure);
-    bool ready = database && configure(*database, &failure) && pagesAreSound(*database, &failure) &&
+    // No page is checked here: opening reads the header and the schema, which is where a torn,
+    // truncated or foreign file fails. A broken page further in is met by the first statement
+    // that reads it, and fails that statement alone.
+    bool ready = database && configure(*database, &failure) &&
                  StoreSchema::apply(*database, model_, &failure);
     if (!ready) {
         if (error) {
@@ -104,6 +90,51 @@ bool PersistentStoreCoordinator::addPersistentStore(const std::string& path, Err
     database_ = std::move(database);
     path_ = path;
     ++generation_;
+    indexesRepaired_ = false;
+    return true;
+}
+
+bool PersistentStoreCoordinator::repairIndexes(Error* error) {
+    if (!database_ || indexesRepaired_) {
+        if (error) {
+            *error = StoreError::noStore();
+        }
+        return false;
+    }
+    indexesRepaired_ = true;  // once per opening: a broken table would fail every time
+    SqliteError failure;
+    // REINDEX cures an index whose entries went wrong on pages that can still be read.
+    if (database_->execute("REINDEX", &failure)) {
+        return true;
+    }
+    // Pages that can't be read can't be freed either, so a broken index can't be dropped:
+    // in one transaction, the indexes are taken out of the schema and made again from the
+    // rows. A broken table fails the remake, and the transaction leaves all as it was.
+    failure = SqliteError{};
+    std::vector<std::string> indexes;
+    auto list = database_->prepare(
+        "SELECT sql FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL", &failure);
+    while (list && list->step(&failure) == SqliteStatement::Step::row) {
+        indexes.emplace_back(list->columnText(0));
+    }
+    list.reset();
+    bool remade = database_->execute(
+        "BEGIN IMMEDIATE; PRAGMA writable_schema=ON; "
+        "DELETE FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL; "
+        "PRAGMA writable_schema=RESET",
+        &failure);
+    for (std::size_t i = 0; remade && i < indexes.size(); ++i) {
+        remade = database_->execute(indexes[i], &failure);
+    }
+    if (!remade || !database_->execute("COMMIT", &failure)) {
+        database_->execute("ROLLBACK");
+        database_->execute("PRAGMA writable_schema=RESET");
+        if (error) {
+            *error = StoreError::fromSqlite(failure, false, path_);
+        }
+        return false;
+    }
+    database_->execute("VACUUM");  // lets the old pages go; a failure only leaves them unused
     return true;
 }
 

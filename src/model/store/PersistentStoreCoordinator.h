@@ -13,9 +13,9 @@ namespace tb {
 class SqliteDatabase;
 
 // The store file of a model. Adding the store opens (or creates) the file, switches it to
-// write-ahead logging (its "-wal" and "-shm" files stay beside it), checks every page of it
-// so that a broken file fails here (as corrupt) and not at some later fetch, and brings its
-// tables up to the model.
+// write-ahead logging (its "-wal" and "-shm" files stay beside it), reads its header and
+// schema (a torn, truncated or foreign file fails here) and brings its tables up to the model.
+// It reads no other page: a healthy open costs the same whatever the store holds.
 //
 // Durability: commits are synced at checkpoints (synchronous=NORMAL in WAL mode), so a
 // process that is killed never loses a save that returned; a power cut may lose the last
@@ -36,6 +36,12 @@ class PersistentStoreCoordinator {
     const std::string& storePath() const { return path_; }
     // Closes the store; the files stay.
     void removePersistentStore();
+    // Rebuilds every index of the store from the rows, for a statement that met a broken
+    // page: if the page was an index's, the rows are all there and the statement can run
+    // again. Tried once per opening; false when the store has no file open, was repaired
+    // already, or its rows themselves can't be read. Rows are never removed.
+    bool repairIndexes(Error* error);
+
     // Moves every committed row from "-wal" into the store file itself, so that a copy of
     // that one file is complete. False (and the error) when the store is busy or absent.
     bool checkpoint(Error* error);
@@ -55,6 +61,7 @@ class PersistentStoreCoordinator {
     std::unique_ptr<SqliteDatabase> database_;
     std::string path_;
     std::uint64_t generation_ = 0;
+    bool indexesRepaired_ = false;
 };
 
 }  // namespace tb

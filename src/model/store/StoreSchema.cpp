@@ -1,6 +1,9 @@
 #include "model/store/StoreSchema.h"
 
+#include <cstdint>
 #include <set>
+#include <string>
+#include <string_view>
 
 #include "model/store/EntityDescription.h"
 #include "model/store/ManagedObjectModel.h"
@@ -88,6 +91,42 @@ bool bringUp(SqliteDatabase& database, const EntityDescription& entity, SqliteEr
     return true;
 }
 
+// A number that changes whenever the model's tables, columns or indexes do. The file keeps
+// the number of the model it was last brought up to (as its user version), so that a launch
+// with the same model tells by one read that there is nothing to do.
+std::int64_t fingerprintOf(const ManagedObjectModel& model) {
+    std::uint32_t hash = 2166136261u;
+    const auto mix = [&](std::string_view text) {
+        for (char c : text) {
+            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+        }
+        hash = (hash ^ 0xffu) * 16777619u;
+    };
+    for (const EntityDescription* entity : model.entities()) {
+        mix(entity->name());
+        for (const AttributeDescription& attribute : entity->attributes()) {
+            mix(attribute.name());
+            mix(std::to_string(static_cast<int>(attribute.type())) +
+                (attribute.isIndexed() ? "i" : ""));
+            mix(attribute.defaultSQL());
+        }
+    }
+    return static_cast<std::int64_t>(hash & 0x7fffffffu) | 1;  // never 0, a new file's
+}
+
+// Reading the user version is also the read that loads the schema.
+bool isCurrent(SqliteDatabase& database,
+               const ManagedObjectModel& model,
+               bool& current,
+               SqliteError* error) {
+    auto statement = database.prepare("PRAGMA user_version", error);
+    if (!statement || statement->step(error) != SqliteStatement::Step::row) {
+        return false;
+    }
+    current = statement->columnInt64(0) == fingerprintOf(model);
+    return true;
+}
+
 }  // namespace
 
 std::string StoreSchema::columnType(const EntityDescription& entity, int attributeIndex) {
@@ -120,6 +159,13 @@ std::string StoreSchema::createTableSQL(const EntityDescription& entity) {
 bool StoreSchema::apply(SqliteDatabase& database,
                         const ManagedObjectModel& model,
                         SqliteError* error) {
+    bool current = false;
+    if (!isCurrent(database, model, current, error)) {
+        return false;
+    }
+    if (current) {
+        return true;  // the usual launch: nothing to write, so no write lock is taken
+    }
     if (!database.execute("BEGIN IMMEDIATE", error)) {
         return false;
     }
@@ -129,7 +175,8 @@ bool StoreSchema::apply(SqliteDatabase& database,
             return false;
         }
     }
-    if (!database.execute("COMMIT", error)) {
+    const std::string mark = "PRAGMA user_version = " + std::to_string(fingerprintOf(model));
+    if (!database.execute(mark, error) || !database.execute("COMMIT", error)) {
         database.execute("ROLLBACK");
         return false;
     }

@@ -15,7 +15,8 @@ struct SqliteError;
 // attributes get an index. Columns and tables the model doesn't know are left alone.
 class StoreSchema {
   public:
-    // Reads the file's schema and brings it up to the model, in one transaction.
+    // Reads the file's schema and brings it up to the model, in one transaction (none when
+    // the file is up to date already).
     static bool apply(SqliteDatabase& database,
                       const ManagedObjectModel& model,
                       SqliteError* error);

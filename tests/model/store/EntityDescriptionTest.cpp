@@ -1,13 +1,11 @@
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "StoreTestSupport.h"
-#include "model/Artist.h"
 #include "model/BookmarkItem.h"
-#include "model/BookmarkStatus.h"
-#include "model/CachedItem.h"
-#include "model/PlaylistTracks.h"
 #include "model/store/EntityBuilder.h"
 #include "model/store/EntityDescription.h"
 
@@ -16,162 +14,24 @@
 namespace tb::test {
 namespace {
 
-std::vector<std::string> namesOf(const EntityDescription& entity) {
-    std::vector<std::string> names;
+std::set<std::string> namesOf(const EntityDescription& entity) {
+    std::set<std::string> names;
     for (const auto& attribute : entity.attributes()) {
-        names.push_back(attribute.name());
+        names.insert(attribute.name());
     }
     return names;
 }
 
-std::string typeOf(const EntityDescription& entity, const std::string& name) {
-    const AttributeDescription* attribute = entity.attributeNamed(name);
-    return attribute ? std::string(attributeTypeName(attribute->type())) : "missing";
-}
-
-// The bookmark mirror's attributes as the bookmark feature lists them.
-const std::set<std::string> kBookmarkItemAttributes = {"addToPlaylistStatus",
-                                                       "album",
-                                                       "albumTrackDownloadedAsSingle",
-                                                       "amp",
-                                                       "ampDuration",
-                                                       "artist",
-                                                       "banner",
-                                                       "bookmarkIndex",
-                                                       "buyURL",
-                                                       "cached",
-                                                       "commentsCount",
-                                                       "created",
-                                                       "desc",
-                                                       "downloadCompleted",
-                                                       "downloadDate",
-                                                       "downloaded",
-                                                       "downloadURL",
-                                                       "duration",
-                                                       "favorited",
-                                                       "favorites",
-                                                       "favoriteStatus",
-                                                       "featured",
-                                                       "genre",
-                                                       "hasItems",
-                                                       "hasTracks",
-                                                       "image",
-                                                       "isAlbum",
-                                                       "isAlbumTrack",
-                                                       "isPlaylist",
-                                                       "isPlaylistTrack",
-                                                       "isSong",
-                                                       "isUserPlaylist",
-                                                       "itemID",
-                                                       "items",
-                                                       "itemsIDs",
-                                                       "lastUpdated",
-                                                       "mixpanelSourceJSON",
-                                                       "offlineToastShown",
-                                                       "originalImage",
-                                                       "parentID",
-                                                       "playlist",
-                                                       "playlistImage",
-                                                       "playlists",
-                                                       "playlistTracksCount",
-                                                       "plays",
-                                                       "privatePlaylist",
-                                                       "producer",
-                                                       "rankAllTime",
-                                                       "rankDaily",
-                                                       "rankMonthly",
-                                                       "rankWeekly",
-                                                       "rankYearly",
-                                                       "repostArtistName",
-                                                       "reposted",
-                                                       "reposts",
-                                                       "repostStatus",
-                                                       "repostTimestamp",
-                                                       "smallImage",
-                                                       "songImage",
-                                                       "status",
-                                                       "streamOnly",
-                                                       "synced",
-                                                       "title",
-                                                       "trackNumber",
-                                                       "tracks",
-                                                       "tracksIDs",
-                                                       "type",
-                                                       "uploaded",
-                                                       "uploaderFollowed",
-                                                       "uploaderId",
-                                                       "uploaderImage",
-                                                       "uploaderFollowersCount",
-                                                       "uploaderName",
-                                                       "uploaderSlug",
-                                                       "uploaderTastemaker",
-                                                       "uploaderTwitter",
-                                                       "uploaderVerified",
-                                                       "url",
-                                                       "urlSlug",
-                                                       "videoAd",
-                                                       "volumeData"};
-
-TEST(EntityDescriptionTest, ItemAndItsBookmarkMirrorHaveTheSameAttributesButGeorestricted) {
-    const auto& bookmark = BookmarkItem::entityDescription();
-    auto bookmarkNames = namesOf(bookmark);
-    EXPECT_EQ(std::set<std::string>(bookmarkNames.begin(), bookmarkNames.end()),
-              kBookmarkItemAttributes);
-    EXPECT_EQ(bookmarkNames.size(), kBookmarkItemAttributes.size());
-
-    auto expectedItem = kBookmarkItemAttributes;
-    expectedItem.erase("bookmarkIndex");
-    expectedItem.insert("georestricted");
-    auto itemNames = namesOf(Item::entityDescription());
-    EXPECT_EQ(std::set<std::string>(itemNames.begin(), itemNames.end()), expectedItem);
+// The bookmark mirror is copied to and from Item by name: apart from its position in the
+// queue and the item's geo flag, every attribute must meet its namesake.
+TEST(EntityDescriptionTest, ItemAndItsBookmarkMirrorShareEveryAttributeButOneEach) {
+    const auto item = namesOf(Item::entityDescription());
+    const auto bookmark = namesOf(BookmarkItem::entityDescription());
+    std::vector<std::string> onlyOne;
+    std::set_symmetric_difference(item.begin(), item.end(), bookmark.begin(), bookmark.end(),
+                                  std::back_inserter(onlyOne));
+    EXPECT_EQ(onlyOne, (std::vector<std::string>{"bookmarkIndex", "georestricted"}));
     EXPECT_EQ(Item::entityDescription().attributeNamed("verifiedSearchResult"), nullptr);
-    EXPECT_EQ(Artist::entityDescription().attributeNamed("verifiedSearchResult"), nullptr);
-
-    for (const auto* entity : {&Item::entityDescription(), &bookmark}) {
-        EXPECT_EQ(typeOf(*entity, "itemID"), "String");
-        EXPECT_EQ(typeOf(*entity, "isSong"), "Bool");
-        EXPECT_EQ(typeOf(*entity, "duration"), "Int64");
-        EXPECT_EQ(typeOf(*entity, "uploaderFollowersCount"), "Int64");
-        EXPECT_EQ(typeOf(*entity, "downloadDate"), "Date");
-        EXPECT_EQ(typeOf(*entity, "mixpanelSourceJSON"), "Data");
-        EXPECT_EQ(typeOf(*entity, "volumeData"), "IntegerArray");
-        EXPECT_EQ(typeOf(*entity, "tracks"), "RecordArray");
-        EXPECT_EQ(typeOf(*entity, "items"), "RecordArray");
-    }
-    EXPECT_EQ(typeOf(bookmark, "bookmarkIndex"), "Int64");
-    EXPECT_EQ(typeOf(Item::entityDescription(), "georestricted"), "Bool");
-}
-
-TEST(EntityDescriptionTest, TheSmallerEntitiesHaveTheirExactAttributes) {
-    using Names = std::vector<std::string>;
-    EXPECT_EQ(namesOf(CachedItem::entityDescription()),
-              (Names{"itemID", "filePath", "fileSize", "lastUsed"}));
-    EXPECT_EQ(typeOf(CachedItem::entityDescription(), "fileSize"), "Int64");
-    EXPECT_EQ(typeOf(CachedItem::entityDescription(), "lastUsed"), "Date");
-    EXPECT_EQ(namesOf(BookmarkStatus::entityDescription()),
-              (Names{"itemID", "playbackPosition", "bookmarkDate", "screenType", "entityID"}));
-    EXPECT_EQ(typeOf(BookmarkStatus::entityDescription(), "playbackPosition"), "Int64");
-    EXPECT_EQ(typeOf(BookmarkStatus::entityDescription(), "bookmarkDate"), "Date");
-    EXPECT_EQ(namesOf(PlaylistTracks::entityDescription()),
-              (Names{"playlistId", "trackId", "number"}));
-    EXPECT_EQ(typeOf(PlaylistTracks::entityDescription(), "number"), "Int64");
-    EXPECT_EQ(namesOf(Artist::entityDescription()).size(), 29u);
-    EXPECT_EQ(typeOf(Artist::entityDescription(), "created"), "Date");
-    EXPECT_EQ(typeOf(Artist::entityDescription(), "verified"), "Bool");
-    EXPECT_EQ(typeOf(Artist::entityDescription(), "uploadsCount"), "Int64");
-}
-
-TEST(EntityDescriptionTest, DefaultsComeFromAFreshRecord) {
-    const auto& item = Item::entityDescription();
-    EXPECT_EQ(item.attributeNamed("downloaded")->defaultSQL(), "0");
-    EXPECT_EQ(item.attributeNamed("duration")->defaultSQL(), "0");
-    EXPECT_EQ(item.attributeNamed("title")->defaultSQL(), "NULL");
-    EXPECT_EQ(item.attributeNamed("uploaderFollowersCount")->defaultSQL(), "NULL");
-    EXPECT_EQ(item.attributeNamed("tracks")->defaultSQL(), "NULL");
-    EXPECT_TRUE(item.attributeNamed("itemID")->isIndexed());
-    auto record = item.newDetachedRecord();
-    EXPECT_FALSE(record->isManaged());
-    EXPECT_EQ(&record->entity(), &item);
 }
 
 TEST(EntityDescriptionTest, CopyByNameMirrorsAnItemIntoItsBookmarkAndBack) {
@@ -308,9 +168,6 @@ TEST(EntityDescriptionTest, TransformedAttributesSurviveTheStore) {
     EXPECT_EQ(second.downloadDate, 1.25);
     EXPECT_EQ(second.image, std::nullopt);
     EXPECT_FALSE(store.context().hasChanges());
-
-    fetched->tracks[0]->title = "Renamed";  // a change inside a nested record counts
-    EXPECT_TRUE(store.context().hasChanges());
 }
 
 TEST(EntityDescriptionTest, BrokenTransformedColumnsReadAsNil) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -107,6 +108,7 @@ TEST_F(FetchRequestTest, APartialRecordSavesOnlyWhatChangedAndKeepsTheRestOfItsR
     auto record = store.context().fetch<Item>(request)->front();
     record->itemID = "a2";  // a fetched attribute
     record->synced = true;  // one changed away from its default
+    record->didChange();
     EXPECT_TRUE(store.context().hasChanges());
     ASSERT_TRUE(store.context().save());
     EXPECT_FALSE(store.context().hasChanges());
@@ -128,6 +130,7 @@ TEST_F(FetchRequestTest, APartialRecordFetchedAgainInFullBecomesWholeKeepingItsC
     partial.predicate = Predicate::withFormat("itemID == %@", {"b"});
     auto record = store.context().fetch<Item>(partial)->front();
     record->duration = 42;  // changed before the rest was read
+    record->didChange();
 
     FetchRequest full = items();
     full.predicate = partial.predicate;
@@ -142,16 +145,79 @@ TEST_F(FetchRequestTest, APartialRecordFetchedAgainInFullBecomesWholeKeepingItsC
         Ids{"42Alpha"});
 }
 
-TEST_F(FetchRequestTest, PendingDeletesAreLeftOutOfFetchesAndCountsAtOnce) {
+// Fetches and counts see the changes not saved yet, as they will be once saved.
+struct PendingCase {
+    const char* name;
+    void (*change)(ObjectContext& context, std::vector<std::shared_ptr<Item>>& rows);
+    const char* format;
+    Ids expected;
+};
+
+class FetchSeesPendingTest : public FetchRequestTest,
+                             public ::testing::WithParamInterface<PendingCase> {};
+
+TEST_P(FetchSeesPendingTest, FetchesAndCountsMatchWhatTheSaveWillWrite) {
+    auto rows = *store.context().fetch<Item>(items());
+    GetParam().change(store.context(), rows);
     FetchRequest request = items();
-    request.predicate = Predicate::withFormat("itemID IN %@", {std::vector<std::string>{"a", "b"}});
-    auto records = *store.context().fetch<Item>(request);
-    store.context().deleteObject(records[0]);
-    EXPECT_EQ(fetch(request), (Ids{"b"}));
-    EXPECT_EQ(store.context().countForFetchRequest(request), 1);
-    EXPECT_EQ(store.context().countForFetchRequest(items()), 3);
+    request.predicate = Predicate::withFormat(GetParam().format);
+    request.sortDescriptors = {{"downloadDate", true}};
+    auto fetched = *store.context().fetch<Item>(request);
+    EXPECT_EQ(StoreFixture::idsOf(fetched), GetParam().expected);
+    EXPECT_EQ(store.context().countForFetchRequest(request),
+              static_cast<std::int64_t>(GetParam().expected.size()));
     request.fetchLimit = 1;
-    EXPECT_EQ(fetch(request), (Ids{"b"}));
+    EXPECT_EQ(fetch(request).size(), std::min<std::size_t>(1, GetParam().expected.size()));
+
+    ASSERT_TRUE(store.context().save());  // what was fetched is what is now stored
+    store.open();
+    request.fetchLimit = 0;
+    EXPECT_EQ(fetch(request), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes,
+    FetchSeesPendingTest,
+    ::testing::Values(
+        PendingCase{"Insert",
+                    [](ObjectContext& context, std::vector<std::shared_ptr<Item>>&) {
+                        auto item = context.insertNewObject<Item>();
+                        item->itemID = "e";
+                        item->downloadDate = 150.0;
+                        item->downloaded = true;
+                    },
+                    "downloaded == 1", Ids{"b", "d", "e", "c", "a"}},
+        PendingCase{"ChangedInAndOut",
+                    [](ObjectContext&, std::vector<std::shared_ptr<Item>>& rows) {
+                        rows[0]->artist = "alpha";  // a: comes in
+                        rows[0]->didChange();
+                        rows[3]->artist = "Omega";  // d: goes out
+                        rows[3]->didChange();
+                    },
+                    "artist CONTAINS[cd] 'alpha'", Ids{"b", "a"}},
+        PendingCase{"Delete",
+                    [](ObjectContext& context, std::vector<std::shared_ptr<Item>>& rows) {
+                        context.deleteObject(rows[1]);
+                    },
+                    "downloaded == 1", Ids{"d", "c", "a"}},
+        PendingCase{"ChangedThenDeleted",
+                    [](ObjectContext& context, std::vector<std::shared_ptr<Item>>& rows) {
+                        rows[2]->duration = 10;
+                        rows[2]->didChange();
+                        context.deleteObject(rows[2]);
+                    },
+                    "duration > 2", Ids{"d", "a"}}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(FetchRequestTest, APendingInsertComesBackAsTheInsertedRecordAndStaysPending) {
+    auto inserted = store.context().insertNewObject<Item>();
+    inserted->itemID = "e";
+    auto fetched = *store.context().fetch<Item>(items());
+    EXPECT_EQ(fetched.back().get(), inserted.get());
+    EXPECT_TRUE(inserted->isInserted());
+    EXPECT_EQ(StoreFixture::query(store.path(), "SELECT COUNT(*) FROM Item"), Ids{"4"});
+    ASSERT_TRUE(store.context().save());
+    EXPECT_EQ(StoreFixture::query(store.path(), "SELECT COUNT(*) FROM Item"), Ids{"5"});
 }
 
 TEST_F(FetchRequestTest, OtherEntitiesAreFetchedByName) {

@@ -1,4 +1,5 @@
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "StoreTestSupport.h"
@@ -19,125 +20,92 @@ FetchRequest byID(const std::string& id) {
     return request;
 }
 
-std::vector<std::string> column(const StoreFixture& store, const std::string& sql) {
-    return StoreFixture::query(store.path(), sql);
+FetchRequest allItems() {
+    return FetchRequest::fetchRequestWithEntityName("Item");
 }
 
-TEST(ObjectContextTest, OneRowIsOneObjectWhileAnyoneHoldsIt) {
-    StoreFixture store;
-    store.saveItem("1", "One");
-    auto first = store.context().fetch<Item>(byID("1"))->front();
-    auto all = *store.context().fetch<Item>(FetchRequest::fetchRequestWithEntityName("Item"));
-    EXPECT_EQ(all.front().get(), first.get());
-    EXPECT_TRUE(first->isManaged());
-    EXPECT_EQ(store.context().registeredObjectCount(), 1u);
-
-    all.clear();
-    first.reset();
-    EXPECT_EQ(store.context().registeredObjectCount(), 0u);  // unchanged records are let go
-    auto again = store.context().fetch<Item>(byID("1"))->front();
-    EXPECT_EQ(again->title, "One");
+Ids titles(const StoreFixture& store) {
+    return StoreFixture::query(store.path(),
+                               "SELECT itemID || ' ' || ifnull(title, '-') FROM Item ORDER BY pk");
 }
 
-TEST(ObjectContextTest, ChangedFieldsAreFoundAndSavedWithoutBeingReported) {
+TEST(ObjectContextTest, OneRowIsOneObjectInEveryListThatHoldsIt) {
     StoreFixture store;
     store.saveItem("1", "One");
-    auto item = store.context().fetch<Item>(byID("1"))->front();
-    EXPECT_FALSE(store.context().hasChanges());
+    store.saveItem("2", "Two");
+    auto list = *store.context().fetch<Item>(allItems());
+    auto playlist = *store.context().fetch<Item>(byID("2"));
+    ASSERT_EQ(playlist.front().get(), list[1].get());
 
-    item->title = "Uno";
-    item->volumeData = std::vector<std::int64_t>{3, 1};
+    playlist.front()->downloaded = true;
+    playlist.front()->didChange();
+    ASSERT_TRUE(store.context().save());
+    EXPECT_TRUE(list[1]->downloaded);
+    EXPECT_EQ(StoreFixture::query(store.path(), "SELECT downloaded FROM Item WHERE itemID = '2'"),
+              Ids{"1"});
+
+    std::weak_ptr<Item> gone = list[0];
+    list.clear();
+    playlist.clear();
+    EXPECT_TRUE(gone.expired());  // the context keeps no unchanged record alive
+    EXPECT_EQ(store.context().registeredObjectCount(), 0u);
+    EXPECT_EQ(store.context().fetch<Item>(byID("1"))->front()->title, "One");
+}
+
+// A save writes what was changed and nothing else: a row that another writer changed under a
+// record held here, unchanged, keeps that writer's value.
+TEST(ObjectContextTest, ASaveWritesEveryPendingChangeAndOnlyThose) {
+    StoreFixture store;
+    for (const char* id : {"1", "2", "3"}) {
+        store.saveItem(id, std::string("Old ") + id);
+    }
+    auto held = *store.context().fetch<Item>(allItems());
+    StoreFixture::query(store.path(), "UPDATE Item SET title = 'Elsewhere' WHERE itemID = '2'");
+    held[0]->title = "Changed";
+    held[0]->didChange();
+    store.context().deleteObject(held[2]);
+    store.context().insertNewObject<Item>()->itemID = "4";
     EXPECT_TRUE(store.context().hasChanges());
+
     Error error;
     ASSERT_TRUE(store.context().save(&error)) << error.message;
     EXPECT_FALSE(store.context().hasChanges());
-    EXPECT_EQ(column(store, "SELECT title || volumeData FROM Item"), Ids{"Uno[3,1]"});
+    EXPECT_EQ(titles(store), (Ids{"1 Changed", "2 Elsewhere", "4 -"}));
+    EXPECT_TRUE(held[2]->isDeleted());
+    EXPECT_FALSE(held[2]->isManaged());
 
-    item->title = "One";
-    item->title = "Uno";  // changed and changed back: nothing to write
-    EXPECT_FALSE(store.context().hasChanges());
-    ASSERT_TRUE(store.context().save());
-    ASSERT_TRUE(store.context().save());  // saving twice is fine
+    // Naming the changed records to the save is the same as telling each of them.
+    held[1]->title = "Named";
+    ASSERT_TRUE(store.context().saveChangesOf({held[1], held[1], std::make_shared<Item>()}));
+    EXPECT_EQ(titles(store), (Ids{"1 Changed", "2 Named", "4 -"}));
+    ASSERT_TRUE(store.context().save());  // nothing left: writes nothing, and works
 }
 
-TEST(ObjectContextTest, AChangedRecordDroppedBeforeSavingKeepsItsChanges) {
+TEST(ObjectContextTest, AChangedRecordLetGoBeforeSavingKeepsItsChanges) {
     StoreFixture store;
     store.saveItem("1", "One");
-    store.context().fetch<Item>(byID("1"))->front()->title =
-        "Changed";  // the only reference dies here
-
+    {
+        auto item = store.context().fetch<Item>(byID("1"))->front();
+        item->title = "Changed";
+        item->didChange();
+    }
     EXPECT_TRUE(store.context().hasChanges());
-    EXPECT_EQ(store.context().registeredObjectCount(), 1u);
     EXPECT_EQ(store.context().fetch<Item>(byID("1"))->front()->title, "Changed");
     ASSERT_TRUE(store.context().save());
-    EXPECT_EQ(store.context().registeredObjectCount(), 0u);
     store.open();
     EXPECT_EQ(store.context().fetch<Item>(byID("1"))->front()->title, "Changed");
 }
 
-TEST(ObjectContextTest, ASaveOfNamedChangesWritesThemWithInsertsAndDeletesAndNothingElse) {
-    StoreFixture store;
-    for (const char* id : {"1", "2", "3", "4"}) {
-        store.saveItem(id, std::string("Old ") + id);
-    }
-    auto held = *store.context().fetch<Item>(FetchRequest::fetchRequestWithEntityName("Item"));
-    held[0]->title = "Named";
-    held[1]->title = "Not named";
-    store.context().deleteObject(held[2]);
-    store.context().insertNewObject<Item>()->itemID = "5";
-    // Dropped with a change: kept by the context, and so always written.
-    store.context().fetch<Item>(byID("4"))->front()->title = "Let go";
-    held.pop_back();
-
-    Error error;
-    ASSERT_TRUE(store.context().saveChangesOf({held[0], held[0], std::make_shared<Item>()}, &error))
-        << error.message;
-    EXPECT_EQ(column(store, "SELECT itemID || ' ' || ifnull(title, '-') FROM Item ORDER BY pk"),
-              (Ids{"1 Named", "2 Old 2", "4 Let go", "5 -"}));
-    EXPECT_TRUE(store.context().hasChanges());  // the change to 2 waits for a full save
-    ASSERT_TRUE(store.context().save());
-    EXPECT_EQ(column(store, "SELECT title FROM Item WHERE itemID = '2'"), Ids{"Not named"});
-
-    // A named record that is unchanged, deleted, or of no context writes nothing.
-    ASSERT_TRUE(store.context().saveChangesOf({held[0], held[2]}));
-    EXPECT_FALSE(store.context().hasChanges());
-}
-
-TEST(ObjectContextTest, InsertsBecomeRowsOnlyWhenSaved) {
+TEST(ObjectContextTest, InsertingAndDeletingBeforeASaveWritesNothing) {
     StoreFixture store;
     auto item = store.context().insertNewObject<Item>();
-    item->itemID = "new";
-    EXPECT_TRUE(item->isManaged());
     EXPECT_TRUE(item->isInserted());
-    EXPECT_TRUE(store.context().hasChanges());
-    EXPECT_EQ(store.idsWhere("TRUEPREDICATE"), Ids{});  // queries read saved rows
-    ASSERT_TRUE(store.context().save());
-    EXPECT_FALSE(item->isInserted());
-    EXPECT_EQ(store.context().fetch<Item>(byID("new"))->front().get(), item.get());
-
-    auto byName = store.context().insertNewObjectForEntityForName("CachedItem");
-    EXPECT_EQ(byName->entity().name(), "CachedItem");
-}
-
-TEST(ObjectContextTest, DeletingRemovesTheRowAtTheNextSave) {
-    StoreFixture store;
-    store.saveItem("1");
-    store.saveItem("2");
-    auto item = store.context().fetch<Item>(byID("1"))->front();
     store.context().deleteObject(item);
-    EXPECT_TRUE(item->isDeleted());
-    EXPECT_TRUE(store.context().hasChanges());
-    EXPECT_EQ(column(store, "SELECT COUNT(*) FROM Item"), Ids{"2"});
-    ASSERT_TRUE(store.context().save());
-    EXPECT_EQ(column(store, "SELECT itemID FROM Item"), Ids{"2"});
-    EXPECT_TRUE(item->isDeleted());
-    EXPECT_FALSE(item->isManaged());
-
-    auto inserted = store.context().insertNewObject<Item>();
-    store.context().deleteObject(inserted);  // never written at all
     EXPECT_FALSE(store.context().hasChanges());
     ASSERT_TRUE(store.context().save());
-    EXPECT_EQ(column(store, "SELECT COUNT(*) FROM Item"), Ids{"1"});
+    EXPECT_EQ(titles(store), Ids{});
+    EXPECT_EQ(store.context().insertNewObjectForEntityForName("CachedItem")->entity().name(),
+              "CachedItem");
 }
 
 TEST(ObjectContextTest, SaveIsOneTransactionAndAFailureWritesNothingAndKeepsTheChanges) {
@@ -149,40 +117,39 @@ TEST(ObjectContextTest, SaveIsOneTransactionAndAFailureWritesNothingAndKeepsTheC
     auto gone = store.saveItem("gone");
     auto existing = store.context().fetch<Item>(byID("keep"))->front();
     existing->title = "Changed";
+    existing->didChange();
     store.context().deleteObject(gone);
-    for (std::string title : {"ok1", "bad", "ok2"}) {
-        store.context().insertNewObject<Item>()->title = title;
+    for (std::string title : {"ok1", "bad"}) {
+        auto item = store.context().insertNewObject<Item>();
+        item->itemID = title;
+        item->title = title;
     }
 
     Error error;
     EXPECT_FALSE(store.context().save(&error));
     EXPECT_EQ(error.domain, StoreError::kDomain);
     EXPECT_NE(error.userInfo[StoreError::kUnderlyingErrorKey].find("refused"), std::string::npos);
-    EXPECT_EQ(column(store, "SELECT title FROM Item ORDER BY pk"), (Ids{"Keep", "NULL"}));
+    EXPECT_EQ(titles(store), (Ids{"keep Keep", "gone -"}));
     EXPECT_TRUE(store.context().hasChanges());
 
     StoreFixture::query(store.path(), "DROP TRIGGER refuse");
     ASSERT_TRUE(store.context().save(&error)) << error.message;
-    EXPECT_EQ(column(store, "SELECT title FROM Item ORDER BY pk"),
-              (Ids{"Changed", "ok1", "bad", "ok2"}));
+    EXPECT_EQ(titles(store), (Ids{"keep Changed", "ok1 ok1", "bad bad"}));
 }
 
 TEST(ObjectContextTest, DetachedRecordsAndCopiesBelongToNoContext) {
     StoreFixture store;
     auto detached = std::make_shared<Item>();
-    detached->itemID = "d";
-    EXPECT_FALSE(detached->isManaged());
     store.context().deleteObject(detached);  // ignored
+    detached->didChange();
     EXPECT_FALSE(detached->isDeleted());
 
     auto managed = store.saveItem("m", "Managed");
     Item copy = *managed;
     EXPECT_FALSE(copy.isManaged());
-    EXPECT_EQ(copy.title, "Managed");
     copy.title = "Copy";
+    copy.didChange();
     EXPECT_FALSE(store.context().hasChanges());
-    ASSERT_TRUE(store.context().save());
-    EXPECT_EQ(column(store, "SELECT title FROM Item"), Ids{"Managed"});
 }
 
 TEST(ObjectContextTest, RollbackDropsInsertsRestoresDeletesAndRereadsChanges) {
@@ -192,6 +159,7 @@ TEST(ObjectContextTest, RollbackDropsInsertsRestoresDeletesAndRereadsChanges) {
     auto one = store.context().fetch<Item>(byID("1"))->front();
     auto two = store.context().fetch<Item>(byID("2"))->front();
     one->title = "Changed";
+    one->didChange();
     store.context().deleteObject(two);
     auto inserted = store.context().insertNewObject<Item>();
 
@@ -203,26 +171,31 @@ TEST(ObjectContextTest, RollbackDropsInsertsRestoresDeletesAndRereadsChanges) {
     EXPECT_EQ(store.idsWhere("TRUEPREDICATE"), (Ids{"1", "2"}));
 }
 
-TEST(ObjectContextTest, ResetForgetsEveryRecord) {
-    StoreFixture store;
-    auto item = store.saveItem("1", "One");
-    item->title = "Unsaved";
-    store.context().reset();
-    EXPECT_FALSE(item->isManaged());
-    EXPECT_FALSE(store.context().hasChanges());
-    EXPECT_EQ(store.context().registeredObjectCount(), 0u);
-    auto fresh = store.context().fetch<Item>(byID("1"))->front();
-    EXPECT_NE(fresh.get(), item.get());
-    EXPECT_EQ(fresh->title, "One");
-}
-
-TEST(ObjectContextTest, RecordsOutliveTheirContextAsDetachedOnes) {
+// Reset, the end of the context and a store rebuilt under it all leave the records it handed
+// out as detached ones, with their values.
+TEST(ObjectContextTest, RecordsLeftByTheirContextOrTheirStoreBecomeDetached) {
     auto store = std::make_unique<StoreFixture>();
     auto item = store->saveItem("1", "One");
     item->title = "Unsaved";
-    store.reset();
+    item->didChange();
+    store->context().reset();
     EXPECT_FALSE(item->isManaged());
-    EXPECT_EQ(item->title, "Unsaved");
+    EXPECT_FALSE(store->context().hasChanges());
+    auto fresh = store->context().fetch<Item>(byID("1"))->front();
+    EXPECT_NE(fresh.get(), item.get());
+    EXPECT_EQ(fresh->title, "One");
+
+    auto& coordinator = *store->context().persistentStoreCoordinator();
+    coordinator.removePersistentStore();
+    PersistentStoreCoordinator::destroyPersistentStore(store->path());
+    ASSERT_TRUE(coordinator.addPersistentStore(store->path(), nullptr));
+    EXPECT_EQ(store->context().fetch<Item>(byID("1"))->size(), 0u);
+    EXPECT_FALSE(fresh->isManaged());
+
+    auto last = store->saveItem("2", "Two");
+    store.reset();
+    EXPECT_FALSE(last->isManaged());
+    EXPECT_EQ(last->title, "Two");
 }
 
 TEST(ObjectContextTest, WithoutAStoreEveryQueryAndSaveFails) {
@@ -237,24 +210,34 @@ TEST(ObjectContextTest, WithoutAStoreEveryQueryAndSaveFails) {
     EXPECT_EQ(error.code, StoreError::kNoStore);
 }
 
-TEST(ObjectContextTest, AStoreRebuiltUnderTheContextDetachesOldRecords) {
-    TempDir dir;
-    auto coordinator = std::make_shared<PersistentStoreCoordinator>(StoreModel::merged());
-    ASSERT_TRUE(coordinator->addPersistentStore(dir.file("CoreData.sqlite"), nullptr));
-    ObjectContext context(coordinator);
-    auto old = context.insertNewObject<Item>();
-    old->itemID = "old";
-    ASSERT_TRUE(context.save());
+// Records go to other threads (a download's completion, a decoder) and may be let go there.
+TEST(ObjectContextTest, RecordsLetGoOnAnotherThreadLeaveTheContextWhole) {
+    StoreFixture store;
+    for (int i = 0; i < 50; ++i) {
+        store.saveItem(std::to_string(i), "Title");
+    }
+    auto records = *store.context().fetch<Item>(allItems());
+    records[0]->title = "Changed";
+    records[0]->didChange();
+    std::thread([held = std::move(records)]() mutable { held.clear(); }).join();
 
-    coordinator->removePersistentStore();
-    PersistentStoreCoordinator::destroyPersistentStore(dir.file("CoreData.sqlite"));
-    ASSERT_TRUE(coordinator->addPersistentStore(dir.file("CoreData.sqlite"), nullptr));
-    EXPECT_EQ(context.fetch<Item>(byID("old"))->size(), 0u);
-    EXPECT_FALSE(old->isManaged());
-    auto fresh = context.insertNewObject<Item>();
-    fresh->itemID = "fresh";
-    ASSERT_TRUE(context.save());
-    EXPECT_EQ(context.fetch<Item>(byID("fresh"))->front().get(), fresh.get());
+    EXPECT_EQ(store.context().registeredObjectCount(), 1u);  // the changed one, kept
+    ASSERT_TRUE(store.context().save());
+    auto again = *store.context().fetch<Item>(allItems());
+    EXPECT_EQ(again.size(), 50u);
+    EXPECT_EQ(again[0]->title, "Changed");
+    EXPECT_EQ(store.context().fetch<Item>(byID("0"))->front().get(), again[0].get());
+}
+
+TEST(ObjectContextDeathTest, TheContextIsUsedOnTheThreadThatMadeItOnly) {
+#ifdef NDEBUG
+    GTEST_SKIP() << "checked in debug builds";
+#else
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    StoreFixture store;
+    EXPECT_DEATH(std::thread([&] { store.context().hasChanges(); }).join(),
+                 "used off the main queue");
+#endif
 }
 
 }  // namespace

@@ -60,6 +60,7 @@ TEST(StoreFileTest, OpeningAnOlderFileAddsTheMissingColumnsAndTablesWithDefaults
     EXPECT_EQ(items[0]->downloadDate, std::nullopt);
 
     items[0]->downloaded = true;
+    items[0]->didChange();
     ASSERT_TRUE(context.save(&error)) << error.message;
     EXPECT_EQ(StoreFixture::query(path, "SELECT legacy || downloaded || cached FROM Item"),
               Rows{"kept10"});
@@ -107,51 +108,60 @@ std::string garbage(std::size_t size) {
     return bytes;
 }
 
-TEST(StoreFileTest, ATruncatedStoreIsCorrupt) {
+// A file broken where opening reads it (header, schema) fails to open, with the code that
+// tells the app what to do about it.
+struct BrokenFile {
+    const char* name;
+    void (*breakStore)(TempDir& dir, const std::string& path);
+    std::int64_t code;
+    const char* sqliteCode;
+};
+
+class BrokenFileTest : public ::testing::TestWithParam<BrokenFile> {};
+
+TEST_P(BrokenFileTest, FailsToOpenWithItsCode) {
     TempDir dir;
-    std::string path = makeStore(dir);
-    fs::resize_file(path, fs::file_size(path) / 2);
+    const std::string path = dir.file("CoreData.sqlite");
+    GetParam().breakStore(dir, path);
     Error error = openError(path);
-    EXPECT_EQ(error.code, StoreError::kCorrupt);
     EXPECT_EQ(error.domain, StoreError::kDomain);
-    EXPECT_NE(error.userInfo[StoreError::kUnderlyingErrorKey].find("malformed"), std::string::npos)
-        << error.userInfo[StoreError::kUnderlyingErrorKey];
+    EXPECT_EQ(error.code, GetParam().code) << error.userInfo[StoreError::kUnderlyingErrorKey];
+    EXPECT_EQ(error.userInfo[StoreError::kSQLiteErrorCodeKey], GetParam().sqliteCode);
     EXPECT_EQ(error.userInfo[StoreError::kFilePathKey], path);
 }
 
-TEST(StoreFileTest, GarbageInTheSchemaPageIsCorrupt) {
-    TempDir dir;
-    std::string path = makeStore(dir);
-    overwrite(path, 100, garbage(3996));  // the header stays, the schema page goes
-    EXPECT_EQ(openError(path).code, StoreError::kCorrupt);
-}
-
-TEST(StoreFileTest, GarbageInAPageOfRowsIsCorruptThoughHeaderAndSchemaAreWhole) {
-    TempDir dir;
-    std::string path = makeStore(dir);
-    ASSERT_EQ(StoreFixture::query(path, "PRAGMA page_size"), Rows{"4096"});
-    const std::uintmax_t pages = fs::file_size(path) / 4096;
-    ASSERT_GT(pages, 20u);
-    overwrite(path, (pages / 2) * 4096, garbage(4096));
-    Error error = openError(path);
-    EXPECT_EQ(error.code, StoreError::kCorrupt);
-    EXPECT_NE(error.userInfo[StoreError::kUnderlyingErrorKey].find("malformed"), std::string::npos)
-        << error.userInfo[StoreError::kUnderlyingErrorKey];
-}
-
-TEST(StoreFileTest, AFileThatIsNoDatabaseIsNotADatabase) {
-    TempDir dir;
-    std::string path = makeStore(dir);
-    overwrite(path, 0, garbage(fs::file_size(path)));
-    fs::remove(path + "-wal");
-    fs::remove(path + "-shm");
-    EXPECT_EQ(openError(path).code, StoreError::kNotADatabase);
-
-    std::ofstream(dir.file("text.sqlite")) << "id,cached,localFileURL\n1,true,file:///a.mp3\n";
-    Error error = openError(dir.file("text.sqlite"));
-    EXPECT_EQ(error.code, StoreError::kNotADatabase);
-    EXPECT_EQ(error.userInfo[StoreError::kSQLiteErrorCodeKey], "26");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Files,
+    BrokenFileTest,
+    ::testing::Values(
+        BrokenFile{"Truncated",
+                   [](TempDir& dir, const std::string& path) {
+                       makeStore(dir);
+                       fs::resize_file(path, fs::file_size(path) / 2);
+                   },
+                   StoreError::kCorrupt, "11"},
+        BrokenFile{"GarbageSchemaPage",
+                   [](TempDir& dir, const std::string& path) {
+                       makeStore(dir);
+                       overwrite(path, 100, garbage(3996));  // the header stays
+                   },
+                   StoreError::kCorrupt, "11"},
+        BrokenFile{"AllGarbage",
+                   [](TempDir& dir, const std::string& path) {
+                       makeStore(dir);
+                       overwrite(path, 0, garbage(fs::file_size(path)));
+                       fs::remove(path + "-wal");
+                       fs::remove(path + "-shm");
+                   },
+                   StoreError::kNotADatabase, "26"},
+        BrokenFile{"Text",
+                   [](TempDir&, const std::string& path) {
+                       std::ofstream(path) << "id,cached,localFileURL\n1,true,file:///a.mp3\n";
+                   },
+                   StoreError::kNotADatabase, "26"},
+        BrokenFile{"Folder", [](TempDir&, const std::string& path) { fs::create_directory(path); },
+                   StoreError::kUnreadable, "14"}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(StoreFileTest, AnEmptyFileOpensAsAnEmptyStore) {
     TempDir dir;
@@ -162,11 +172,40 @@ TEST(StoreFileTest, AnEmptyFileOpensAsAnEmptyStore) {
         << error.message;
 }
 
-TEST(StoreFileTest, AFolderInThePlaceOfTheFileIsUnreadable) {
+std::uintmax_t rootPageOf(const std::string& path, const std::string& name) {
+    return std::stoull(StoreFixture::query(
+        path, "SELECT rootpage FROM sqlite_master WHERE name = '" + name + "'")[0]);
+}
+
+// Opening reads no page of rows: a broken one fails the statements that reach it, as a
+// corrupt store, and leaves every other row where it is.
+TEST(StoreFileTest, ABrokenPageOfRowsOpensAndFailsOnlyTheReadsThatReachIt) {
     TempDir dir;
-    fs::create_directory(dir.file("CoreData.sqlite"));
-    EXPECT_EQ(openError(dir.file("CoreData.sqlite")).code, StoreError::kUnreadable);
-    EXPECT_EQ(openError(dir.file("missing/CoreData.sqlite")).code, StoreError::kUnreadable);
+    std::string path = makeStore(dir);
+    overwrite(path, (rootPageOf(path, "Item") - 1) * 4096, garbage(4096));
+    StoreFixture store(path);
+    Error error;
+    EXPECT_EQ(store.context().fetch<Item>(FetchRequest::fetchRequestWithEntityName("Item"), &error),
+              std::nullopt);
+    EXPECT_EQ(error.code, StoreError::kCorrupt);
+    EXPECT_EQ(store.context().countForFetchRequest(
+                  FetchRequest::fetchRequestWithEntityName("PlaylistTracks")),
+              0);
+}
+
+// An index holds nothing that the rows don't: a broken one is made again from them, and the
+// download records stay.
+TEST(StoreFileTest, ABrokenIndexIsRebuiltAndEveryRowKept) {
+    TempDir dir;
+    std::string path = makeStore(dir);
+    overwrite(path, (rootPageOf(path, "Item_itemID") - 1) * 4096, garbage(4096));
+    StoreFixture store(path);
+    Error error;
+    EXPECT_EQ(store.idsWhere("itemID == %@", {"123"}), Rows{"123"});
+    EXPECT_EQ(store.context().countForFetchRequest(FetchRequest::fetchRequestWithEntityName("Item"),
+                                                   &error),
+              400);
+    EXPECT_EQ(StoreFixture::query(path, "PRAGMA integrity_check"), Rows{"ok"});
 }
 
 TEST(StoreFileTest, DestroyingTheStoreRemovesItsThreeFilesForAFreshStart) {

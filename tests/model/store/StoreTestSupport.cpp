@@ -1,5 +1,7 @@
 #include "StoreTestSupport.h"
 
+#include <utility>
+
 #include "model/StoreModel.h"
 #include "model/store/SqliteDatabase.h"
 #include "model/store/SqliteStatement.h"
@@ -10,6 +12,10 @@
 namespace tb::test {
 
 StoreFixture::StoreFixture() : path_(dir_.file("CoreData.sqlite")) {
+    open();
+}
+
+StoreFixture::StoreFixture(std::string path) : path_(std::move(path)) {
     open();
 }
 

@@ -16,6 +16,8 @@ namespace tb::test {
 class StoreFixture {
   public:
     StoreFixture();
+    // The store at `path` (a file the test made) in place of a new one.
+    explicit StoreFixture(std::string path);
     ~StoreFixture();
 
     // Opens (or reopens, after closing) the store; fails the test if it can't.
