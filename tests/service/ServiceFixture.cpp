@@ -90,18 +90,29 @@ ServiceFixture::Answer ServiceFixture::raw(const std::string& method,
     return answer;
 }
 
+std::string ServiceFixture::authorization(const std::string& method,
+                                          const std::string& path,
+                                          const ServiceTestSigner::Params& params,
+                                          Scheme scheme) {
+    std::string url = service_->baseUrl() + path;
+    std::string timestamp = ServiceTestSigner::timestampNow();
+    std::string nonce = ServiceTestSigner::freshNonce();
+    if (scheme == Scheme::serializer) {
+        return signer_.serializerHeader(method, url, params, timestamp, nonce);
+    }
+    if (scheme == Scheme::signer) {
+        return signer_.signerHeader(method, url, params, timestamp, nonce);
+    }
+    return "";
+}
+
 ServiceFixture::Answer ServiceFixture::call(const std::string& method,
                                             const std::string& path,
                                             const ServiceTestSigner::Params& params,
                                             Scheme scheme) {
-    std::string url = service_->baseUrl() + path;
-    std::string timestamp = ServiceTestSigner::timestampNow();
-    std::string nonce = ServiceTestSigner::freshNonce();
     std::map<std::string, std::string> headers;
-    if (scheme == Scheme::serializer) {
-        headers["Authorization"] = signer_.serializerHeader(method, url, params, timestamp, nonce);
-    } else if (scheme == Scheme::signer) {
-        headers["Authorization"] = signer_.signerHeader(method, url, params, timestamp, nonce);
+    if (scheme != Scheme::none) {
+        headers["Authorization"] = authorization(method, path, params, scheme);
     }
     std::string encoded = ServiceTestSigner::formEncode(params);
     std::string target = "/v1/" + path;
