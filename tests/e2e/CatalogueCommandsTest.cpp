@@ -207,7 +207,7 @@ TEST_F(CatalogueCommandsTest, FailuresAreToldOnStderrWithAStatusAndNeverHang) {
     EXPECT_EQ(hostile.status, 1);
     EXPECT_THAT(hostile.err, HasSubstr("404"));
 
-    postAdmin("/admin/faults", {{"spec", "GET music/trending=status:500,times=1"}});
+    postAdmin("/admin/faults", {{"rule", "GET music/trending=status:500,times=1"}});
     const AppRun broken = app({"trending"});
     EXPECT_EQ(broken.status, 1);
     EXPECT_THAT(broken.err, HasSubstr("answered 500"));

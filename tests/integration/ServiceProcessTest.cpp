@@ -190,7 +190,7 @@ TEST(ServiceProcessArgumentsTest, ASecondServiceCannotShareAListeningPort) {
     EXPECT_NE(second.terminate(), 0);
 }
 
-TEST(ServiceProcessArgumentsTest, ABadFaultSpecStopsTheStart) {
+TEST(ServiceProcessArgumentsTest, ABadFaultRuleStopsTheStart) {
     TempDir dir;
     ServiceProcess badFault(TB_SERVICE_BINARY, dir.file("data"),
                             {"--media", "placeholder", "--fault", "featured=explode"});

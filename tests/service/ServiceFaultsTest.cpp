@@ -11,8 +11,8 @@ namespace {
 
 class ServiceFaultsTest : public ServiceFixture {
   protected:
-    void inject(const std::string& spec) {
-        auto answer = raw("POST", "/admin/faults", {}, nlohmann::json{{"spec", spec}}.dump(),
+    void inject(const std::string& rule) {
+        auto answer = raw("POST", "/admin/faults", {}, nlohmann::json{{"rule", rule}}.dump(),
                           "application/json");
         ASSERT_EQ(answer.status, 200) << answer.body;
     }
