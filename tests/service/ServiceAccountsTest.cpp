@@ -128,31 +128,29 @@ TEST_F(ServiceAccountsTest, ForgottenPasswordKnowsItsAccounts) {
 class ServicePlusAsSpaceTest : public ServiceFixture,
                                public ::testing::WithParamInterface<ServiceFixture::Scheme> {};
 
-TEST_P(ServicePlusAsSpaceTest, APlusInASignedFormBodyIsASpaceAndTamperingIsStillRefused) {
-    ServiceTestSigner::Params fields{{"email", "bars@example.com"},
-                                     {"artist_name", "Bars Listener"},
-                                     {"password", "long enough"},
-                                     {"password2", "long enough"}};
-    std::map<std::string, std::string> headers{
-        {"Authorization", authorization("POST", "user/register", fields, GetParam())}};
-    const std::string body =
-        "email=bars%40example.com&password=long+enough&password2=long+enough&artist_name=Bars+";
+TEST_P(ServicePlusAsSpaceTest, APlusInASignedFormOrQueryIsASpaceAndTamperingIsStillRefused) {
     const std::string form = "application/x-www-form-urlencoded";
-
-    auto tampered = raw("POST", "/v1/user/register", headers, body + "Lister", form);
+    const std::string body = "email=bars%40example.com&password=long+enough&password2=long+enough";
+    std::map<std::string, std::string> signedForm{
+        {"Authorization", authorization("POST", "user/register",
+                                        {{"email", "bars@example.com"},
+                                         {"artist_name", "Bars Listener"},
+                                         {"password", "long enough"},
+                                         {"password2", "long enough"}},
+                                        GetParam())}};
+    auto tampered =
+        raw("POST", "/v1/user/register", signedForm, body + "&artist_name=Bars+Lis", form);
     EXPECT_EQ(tampered.status, 401);
     EXPECT_EQ(tampered.json["message"], "Invalid signature");
-    auto made = raw("POST", "/v1/user/register", headers, body + "Listener", form);
+    auto made =
+        raw("POST", "/v1/user/register", signedForm, body + "&artist_name=Bars+Listener", form);
     ASSERT_EQ(made.status, 200) << made.body;
     EXPECT_EQ(made.json["user"]["url_slug"], "bars-listener");
-    EXPECT_EQ(login("bars@example.com", "long enough")["user"]["id"], made.json["user"]["id"]);
-}
 
-TEST_P(ServicePlusAsSpaceTest, APlusInASignedQueryIsASpaceAndTamperingIsStillRefused) {
-    std::map<std::string, std::string> headers{
+    std::map<std::string, std::string> signedQuery{
         {"Authorization", authorization("GET", "search", {{"q", "Bars Listener"}}, GetParam())}};
-    EXPECT_EQ(raw("GET", "/v1/search?q=Bars+Lister", headers).status, 401);
-    EXPECT_EQ(raw("GET", "/v1/search?q=Bars+Listener", headers).status, 200);
+    EXPECT_EQ(raw("GET", "/v1/search?q=Bars+Lis", signedQuery).status, 401);
+    EXPECT_EQ(raw("GET", "/v1/search?q=Bars+Listener", signedQuery).status, 200);
 }
 
 INSTANTIATE_TEST_SUITE_P(BothSchemes,
