@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "platform/MainQueue.h"
+#include "platform/StringUtil.h"
 #include "platform/linux/AtomicFile.h"
 #include "platform/linux/CurlErrors.h"
 
@@ -34,15 +35,6 @@ std::once_flag curlGlobalInit;
 
 bool isSuccessStatus(long status) {
     return status >= 200 && status <= 299;
-}
-
-std::string_view trim(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    const auto last = text.find_last_not_of(" \t\r\n");
-    return text.substr(first, last - first + 1);
 }
 
 // One request on its way. Owned by the network thread from the moment it is picked up.
@@ -174,8 +166,8 @@ std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* user
     if (line.substr(0, 5) == "HTTP/") {
         transfer.response.headers.clear();
     } else if (const auto colon = line.find(':'); colon != std::string_view::npos) {
-        transfer.response.headers.emplace_back(std::string(trim(line.substr(0, colon))),
-                                               std::string(trim(line.substr(colon + 1))));
+        transfer.response.headers.emplace_back(trimmed(line.substr(0, colon), " \t\r\n"),
+                                               trimmed(line.substr(colon + 1), " \t\r\n"));
     }
     return length;
 }
