@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "api/TBDataManager.h"
-#include "model/SafeFileName.h"
 #include "model/store/EntityDescription.h"
 #include "model/store/ObjectContext.h"
+#include "platform/SafeFileName.h"
 
 namespace tb {
 
