@@ -109,9 +109,7 @@ class SeededStore {
         std::filesystem::remove_all(home_);
     }
 
-    tb::ObjectContext& context() {
-        return *app_->dataManager().managedObjectContext();
-    }
+    tb::ObjectContext& context() { return *app_->dataManager().managedObjectContext(); }
     std::string path() const { return app_->dataManager().storePath(); }
     tb::ItemDAO& dao() { return app_->itemDAO(); }
 

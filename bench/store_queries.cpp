@@ -32,9 +32,10 @@ int main(int argc, char** argv) {
             [&] {
                 store.reset();  // rows come from the file, not from the identity map
                 ourCount =
-                    seeded.dao().fetch(
-                        seeded.dao().offlineSongsPredicate(),
-                        {tb::ItemDAO::sortDescriptorFor(tb::category::OfflineSorting::newest)})
+                    seeded.dao()
+                        .fetch(
+                            seeded.dao().offlineSongsPredicate(),
+                            {tb::ItemDAO::sortDescriptorFor(tb::category::OfflineSorting::newest)})
                         ->size();
             },
             5);

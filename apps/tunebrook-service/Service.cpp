@@ -118,10 +118,10 @@ Service::~Service() {
 }
 
 bool Service::start(std::string& error) {
-    for (const auto& spec : options_.faults) {
-        auto rule = FaultRule::parse(spec, error);
+    for (const auto& text : options_.faults) {
+        auto rule = FaultRule::parse(text, error);
         if (!rule) {
-            error = "--fault " + spec + ": " + error;
+            error = "--fault " + text + ": " + error;
             return false;
         }
         faults_->add(*rule);

@@ -15,7 +15,7 @@ struct ServiceOptions {
     int port = 0;  // 0 picks a free one
     uint64_t seed = 1;
     bool seedGiven = false;
-    std::vector<std::string> faults;  // FaultRule specs
+    std::vector<std::string> faults;  // fault rules as written after --fault
     std::string mediaCache;           // shared folder of made media, "" for none
     MediaMode media = MediaMode::synthesize;
     ServiceSettings settings;

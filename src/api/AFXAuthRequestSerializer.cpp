@@ -9,7 +9,9 @@
 #include "api/XAuthEncoding.h"
 #include "core/URLComponents.h"
 #include "platform/Clock.h"
+#include "platform/PercentEncoding.h"
 #include "platform/RandomSource.h"
+#include "platform/StringUtil.h"
 
 namespace tb {
 
@@ -29,17 +31,6 @@ std::string lastPathComponent(const std::string& url) {
     }
     const auto slash = parts->path.rfind('/');
     return slash == std::string::npos ? parts->path : parts->path.substr(slash + 1);
-}
-
-std::string joined(const std::vector<std::string>& entries, const std::string& separator) {
-    std::string text;
-    for (const auto& entry : entries) {
-        if (!text.empty()) {
-            text += separator;
-        }
-        text += entry;
-    }
-    return text;
 }
 
 }  // namespace
@@ -115,21 +106,22 @@ std::optional<AFXAuthToken> AFXAuthRequestSerializer::tokenThatCounts(
 std::string AFXAuthRequestSerializer::baseStringWithRequest(const HttpRequest& request,
                                                             const FormPairs& parameters) const {
     std::vector<std::string> entries = {
-        "oauth_consumer_key%3D" + signatureEscape(consumerKey_),
-        "oauth_nonce%3D" + signatureEscape(nonce_),
-        "oauth_signature_method%3D" + signatureEscape(kSignatureMethod),
-        "oauth_timestamp%3D" + signatureEscape(timestamp_),
-        "oauth_version%3D" + signatureEscape(kVersion),
+        "oauth_consumer_key%3D" + percentEncodeForSigning(consumerKey_),
+        "oauth_nonce%3D" + percentEncodeForSigning(nonce_),
+        "oauth_signature_method%3D" + percentEncodeForSigning(kSignatureMethod),
+        "oauth_timestamp%3D" + percentEncodeForSigning(timestamp_),
+        "oauth_version%3D" + percentEncodeForSigning(kVersion),
     };
     for (const auto& pair : parameters) {
-        entries.push_back(pair.key + "%3D" +
-                          signatureEscape(signatureEscape(pair.value.value_or(""))));
+        entries.push_back(
+            pair.key + "%3D" +
+            percentEncodeForSigning(percentEncodeForSigning(pair.value.value_or(""))));
     }
     if (const auto token = tokenThatCounts(request)) {
-        entries.push_back("oauth_token%3D" + signatureEscape(token->key()));
+        entries.push_back("oauth_token%3D" + percentEncodeForSigning(token->key()));
     }
     std::sort(entries.begin(), entries.end());
-    return request.method + "&" + signatureEscape(withoutQuery(request.url)) + "&" +
+    return request.method + "&" + percentEncodeForSigning(withoutQuery(request.url)) + "&" +
            joined(entries, "%26");
 }
 
@@ -148,7 +140,7 @@ std::map<std::string, std::string> AFXAuthRequestSerializer::authorizationHeader
         {"oauth_version", kVersion},
     };
     if (token) {
-        header["oauth_token"] = signatureEscape(token->key());
+        header["oauth_token"] = percentEncodeForSigning(token->key());
     }
     return header;
 }
@@ -159,7 +151,7 @@ std::string AFXAuthRequestSerializer::authorizationHeaderForParameters(
     const std::map<std::string, std::string>& parameters) {
     std::vector<std::string> entries;
     for (const auto& [key, value] : parameters) {
-        entries.push_back(headerEscape(key) + "=" + headerEscape(value));
+        entries.push_back(percentEncodeFormKey(key) + "=" + percentEncodeFormKey(value));
     }
     std::stable_sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
         return ::strcasecmp(a.c_str(), b.c_str()) < 0;

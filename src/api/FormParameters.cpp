@@ -6,8 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "api/XAuthEncoding.h"
 #include "core/URLComponents.h"
+#include "platform/PercentEncoding.h"
 
 namespace tb {
 
@@ -88,10 +88,10 @@ std::string formQueryString(const FormPairs& pairs) {
         if (!query.empty()) {
             query += '&';
         }
-        query += headerEscape(pair.key);
+        query += percentEncodeFormKey(pair.key);
         if (pair.value) {
             query += '=';
-            query += formValueEscape(*pair.value);
+            query += percentEncodeQueryValue(*pair.value);
         }
     }
     return query;

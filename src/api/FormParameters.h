@@ -27,7 +27,7 @@ using FormPairs = std::vector<FormPair>;
 // The signatures of the serializers sign exactly these pairs.
 FormPairs flattenFormParameters(const nlohmann::json& parameters);
 
-// "key=value&..." with keys in the header encoding and values in the form-value encoding.
+// "key=value&..." with keys in the form-key encoding and values in the query-value encoding.
 std::string formQueryString(const FormPairs& pairs);
 
 // The items of a URL query ("a=1&b&c=%2F"), percent-decoded ("+" stays a plus), in order;

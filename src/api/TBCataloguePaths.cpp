@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "api/XAuthEncoding.h"
+#include "platform/PercentEncoding.h"
 
 namespace tb {
 
@@ -23,13 +23,7 @@ std::string TBCataloguePaths::pageText(int page) {
 }
 
 std::string TBCataloguePaths::pathSegment(std::string_view text) {
-    if (text == ".") {
-        return "%2E";
-    }
-    if (text == "..") {
-        return "%2E%2E";
-    }
-    return strictEscape(text);
+    return percentEncodePathSegment(text);
 }
 
 std::string TBCataloguePaths::pathOf(std::string_view text) {

@@ -8,6 +8,7 @@
 #include "api/FormParameters.h"
 #include "api/XAuthEncoding.h"
 #include "platform/Clock.h"
+#include "platform/PercentEncoding.h"
 #include "platform/RandomSource.h"
 
 namespace tb {
@@ -92,7 +93,7 @@ std::string XAuthSigner::signatureBaseString(const HttpRequest& request,
                                              const Parameters& signedParameters) const {
     std::vector<std::string> entries;
     for (const auto& [key, value] : signedParameters) {
-        entries.push_back(strictEscape(key) + "=" + strictEscape(value));
+        entries.push_back(percentEncodeForSigning(key) + "=" + percentEncodeForSigning(value));
     }
     std::sort(entries.begin(), entries.end());
     std::string list;
@@ -100,12 +101,13 @@ std::string XAuthSigner::signatureBaseString(const HttpRequest& request,
         list += (list.empty() ? "" : "&") + entry;
     }
     const std::string url = request.url.substr(0, request.url.find('?'));
-    return request.method + "&" + strictEscape(url) + "&" + strictEscape(list);
+    return request.method + "&" + percentEncodeForSigning(url) + "&" +
+           percentEncodeForSigning(list);
 }
 
 std::string XAuthSigner::signatureKey() const {
-    return strictEscape(configuration_.consumerSecret) + "&" +
-           strictEscape(credentials_ ? credentials_->secret : "");
+    return percentEncodeForSigning(configuration_.consumerSecret) + "&" +
+           percentEncodeForSigning(credentials_ ? credentials_->secret : "");
 }
 
 // `OAuth key="value", ...` of the OAuth parameters only, in the order of their keys.
@@ -113,7 +115,7 @@ std::string XAuthSigner::authorizationHeader(const Parameters& oauthParameters) 
     std::string header = "OAuth ";
     bool first = true;
     for (const auto& [key, value] : oauthParameters) {
-        header += (first ? "" : ", ") + key + "=\"" + strictEscape(value) + "\"";
+        header += (first ? "" : ", ") + key + "=\"" + percentEncodeForSigning(value) + "\"";
         first = false;
     }
     return header;

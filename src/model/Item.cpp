@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "model/SafeFileName.h"
 #include "model/store/EntityDescription.h"
 #include "model/store/ObjectContext.h"
+#include "platform/SafeFileName.h"
 
 namespace tb {
 

@@ -13,6 +13,7 @@
 #include "model/store/PersistentStoreCoordinator.h"
 #include "platform/AtomicWrite.h"
 #include "platform/Log.h"
+#include "platform/PercentEncoding.h"
 
 namespace tb {
 
@@ -36,23 +37,16 @@ std::string flag(bool value) {
 }
 
 // The file URL of a path, as an absolute string: "file:///a/b%20c.mp3".
+// A file URL as the platform writes one: the path's unreserved and sub-delimiter characters,
+// "/", ":" and "@" stay as they are.
+bool keptInFileURL(unsigned char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+           std::string_view("/-._~!$&'()*+,;=:@").find(static_cast<char>(c)) !=
+               std::string_view::npos;
+}
+
 std::string fileURLString(const std::string& path) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    std::string url = "file://";
-    for (const unsigned char c : path) {
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-                           (c >= '0' && c <= '9') ||
-                           std::string_view("/-._~!$&'()*+,;=:@").find(static_cast<char>(c)) !=
-                               std::string_view::npos;
-        if (plain) {
-            url += static_cast<char>(c);
-        } else {
-            url += '%';
-            url += kHex[c >> 4];
-            url += kHex[c & 0xF];
-        }
-    }
-    return url;
+    return "file://" + percentEncode(path, keptInFileURL);
 }
 
 // A date's plain description: "2026-11-22 09:07:28 +0000" (UTC, whole seconds).

@@ -7,6 +7,7 @@
 #include "core/TBLocalization.h"
 #include "model/Item.h"
 #include "platform/JSON.h"
+#include "platform/StringUtil.h"
 
 namespace tb {
 
@@ -22,12 +23,6 @@ std::optional<std::string> artistIdOf(const ArtistPtr& artist) {
 
 std::size_t hashOf(const std::optional<std::string>& text) {
     return text ? std::hash<std::string>{}(*text) : 0x9e3779b9u;
-}
-
-std::string upperCased(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return text;
 }
 
 }  // namespace
@@ -56,7 +51,7 @@ std::string TBFeaturedSpot::prettyType() const {
     }
     const bool isAlbum = item && item->itemType() == ItemType::album;
     const std::string kind = TBLocalization::localizedString(isAlbum ? "album" : "song");
-    return upperCased(type.value_or("") + " " + kind);
+    return uppercased(type.value_or("") + " " + kind);
 }
 
 bool TBFeaturedSpot::isEqual(const TBFeaturedSpot& other) const {

@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <limits>
 
-#include "model/SafeFileName.h"
 #include "platform/JSON.h"
+#include "platform/PercentEncoding.h"
+#include "platform/SafeFileName.h"
+#include "platform/StringUtil.h"
 
 namespace tb {
 
@@ -31,37 +33,6 @@ std::string cutFloat(float value, int digits) {
     std::string fraction = std::to_string(units % scale);
     fraction.insert(0, static_cast<size_t>(digits) - fraction.size(), '0');
     return whole + "." + fraction;
-}
-
-bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v';
-}
-
-std::string trimmed(std::string_view text) {
-    size_t begin = 0;
-    size_t end = text.size();
-    while (begin < end && isBlank(text[begin])) {
-        ++begin;
-    }
-    while (end > begin && isBlank(text[end - 1])) {
-        --end;
-    }
-    return std::string(text.substr(begin, end - begin));
-}
-
-// Splits on every occurrence of `separator`.
-std::vector<std::string_view> split(std::string_view text, std::string_view separator) {
-    std::vector<std::string_view> parts;
-    size_t start = 0;
-    while (true) {
-        const size_t found = text.find(separator, start);
-        if (found == std::string_view::npos) {
-            parts.push_back(text.substr(start));
-            return parts;
-        }
-        parts.push_back(text.substr(start, found - start));
-        start = found + separator.size();
-    }
 }
 
 bool isArtworkNameSeparator(char c) {
@@ -241,23 +212,7 @@ double TBUtil::linearInterpolatedPoint(double before, double after, double curre
 }
 
 std::string TBUtil::urlEncodedString(std::string_view value) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    std::string result;
-    result.reserve(value.size());
-    for (const char c : value) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool unreserved = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
-                                (byte >= '0' && byte <= '9') || byte == '-' || byte == '.' ||
-                                byte == '_' || byte == '~';
-        if (unreserved) {
-            result += c;
-        } else {
-            result += '%';
-            result += kHex[byte >> 4];
-            result += kHex[byte & 0x0F];
-        }
-    }
-    return result;
+    return percentEncodeQueryValue(value);
 }
 
 std::string TBUtil::yesNo(bool value) {

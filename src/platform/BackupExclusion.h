@@ -4,12 +4,12 @@
 
 namespace tb {
 
-// Marks a file as not to be backed up: the extended attribute "user.xdg.robots.backup" =
-// "false", the convention that desktop backup tools read. False (and nothing changes) when
-// the file is missing or its file system refuses user attributes.
+// FileSystem's backup mark as free functions, for the callers that don't take a FileSystem
+// yet; the platform implementation defines them. On Linux the mark is the extended attribute
+// "user.xdg.robots.backup" = "false", the convention desktop backup tools read.
+
 bool excludeFromBackup(const std::string& path);
 
-// True when the file carries the mark.
 bool isExcludedFromBackup(const std::string& path);
 
 }  // namespace tb

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace tb {
@@ -12,5 +14,10 @@ inline constexpr int kMaxJsonDepth = 256;
 // True when the arrays and objects of `text` nest no deeper than `maxDepth`. Brackets inside
 // strings don't count. Cheap: one pass, no allocation. Run it before parsing foreign JSON.
 bool jsonNestingWithin(std::string_view text, int maxDepth = kMaxJsonDepth);
+
+// The text with every number too large for a double written as the largest double of its
+// sign, or nothing when no number overflows. The parser refuses a document with such a number
+// outright; the app would rather read it as "very large" and keep the rest of the answer.
+std::optional<std::string> withOverflowingNumbersClamped(std::string_view text);
 
 }  // namespace tb

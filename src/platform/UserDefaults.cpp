@@ -7,41 +7,12 @@
 #include <cstdlib>
 #include <limits>
 
+#include "platform/DecimalText.h"
+#include "platform/StringUtil.h"
+
 namespace tb {
 
 namespace {
-
-std::string lowercase(std::string text) {
-    for (char& c : text) {
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-    return text;
-}
-
-std::string trimmed(const std::string& text) {
-    size_t begin = 0;
-    size_t end = text.size();
-    while (begin < end && std::isspace(static_cast<unsigned char>(text[begin]))) {
-        ++begin;
-    }
-    while (end > begin && std::isspace(static_cast<unsigned char>(text[end - 1]))) {
-        --end;
-    }
-    return text.substr(begin, end - begin);
-}
-
-std::int64_t saturatingInteger(double value) {
-    if (std::isnan(value)) {
-        return 0;
-    }
-    if (value >= 9.2233720368547758e18) {
-        return std::numeric_limits<std::int64_t>::max();
-    }
-    if (value <= -9.2233720368547758e18) {
-        return std::numeric_limits<std::int64_t>::min();
-    }
-    return static_cast<std::int64_t>(value);
-}
 
 double parseDouble(const std::string& text) {
     const std::string clean = trimmed(text);
@@ -96,7 +67,7 @@ bool UserDefaults::boolForKey(const std::string& key) const {
         return *real != 0.0;
     }
     if (const auto* text = std::get_if<std::string>(&stored->value)) {
-        const std::string word = lowercase(trimmed(*text));
+        const std::string word = lowercased(trimmed(*text));
         return word == "yes" || word == "true" || (!word.empty() && parseDouble(word) != 0.0);
     }
     return false;
@@ -111,13 +82,13 @@ std::int64_t UserDefaults::integerForKey(const std::string& key) const {
         return *integer;
     }
     if (const auto* real = std::get_if<double>(&stored->value)) {
-        return saturatingInteger(*real);
+        return saturatingInt64(*real);
     }
     if (const auto* flag = std::get_if<bool>(&stored->value)) {
         return *flag ? 1 : 0;
     }
     if (const auto* text = std::get_if<std::string>(&stored->value)) {
-        return saturatingInteger(parseDouble(*text));
+        return saturatingInt64(parseDouble(*text));
     }
     return 0;
 }

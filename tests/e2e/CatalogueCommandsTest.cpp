@@ -8,6 +8,7 @@
 
 #include "support/AppRun.h"
 #include "support/FileContents.h"
+#include "support/ServiceCall.h"
 #include "support/ServiceProcess.h"
 #include "support/ServiceTestSigner.h"
 #include "support/TempDir.h"
@@ -22,10 +23,6 @@ using json = nlohmann::json;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-std::string idText(const json& id) {
-    return id.is_string() ? id.get<std::string>() : id.dump();
-}
-
 std::int64_t numberOf(const json& value) {
     return value.is_string() ? std::stoll(value.get<std::string>()) : value.get<std::int64_t>();
 }
@@ -36,14 +33,15 @@ std::int64_t numberOf(const json& value) {
 class CatalogueCommandsTest : public ::testing::Test {
   protected:
     static void SetUpTestSuite() {
-        dir_ = new TempDir();
-        service_ = new ServiceProcess(TB_SERVICE_BINARY, dir_->file("service"),
-                                      {"--media", "placeholder", "--media-cache",
-                                       ServiceProcess::mediaCacheFor(TB_SERVICE_BINARY)});
+        dir_ = std::make_unique<TempDir>();
+        service_ = std::make_unique<ServiceProcess>(
+            TB_SERVICE_BINARY, dir_->file("service"),
+            std::vector<std::string>{"--media", "placeholder", "--media-cache",
+                                     ServiceProcess::mediaCacheFor(TB_SERVICE_BINARY)});
     }
     static void TearDownTestSuite() {
-        delete service_;
-        delete dir_;
+        service_.reset();
+        dir_.reset();
     }
 
     void SetUp() override { ASSERT_TRUE(service_->started()) << service_->error(); }
@@ -64,15 +62,8 @@ class CatalogueCommandsTest : public ::testing::Test {
     }
 
     static json serviceJSON(const std::string& path, const ServiceTestSigner::Params& params = {}) {
-        ServiceTestSigner signer(service_->consumerKey(), service_->consumerSecret());
-        httplib::Client client(service_->host(), service_->port());
-        client.set_url_encode(false);
-        const std::string form = ServiceTestSigner::formEncode(params);
-        auto answer = client.Get(
-            "/v1/" + path + (form.empty() ? "" : "?" + form),
-            {{"Authorization", signer.serializerHeader("GET", service_->baseUrl() + path, params,
-                                                       ServiceTestSigner::timestampNow(),
-                                                       ServiceTestSigner::freshNonce())}});
+        const ServiceTestSigner signer(service_->consumerKey(), service_->consumerSecret());
+        auto answer = serviceCall(*service_, signer, "GET", path, params);
         EXPECT_TRUE(answer && answer->status == 200) << path;
         return answer ? json::parse(answer->body, nullptr, false) : json();
     }
@@ -83,13 +74,10 @@ class CatalogueCommandsTest : public ::testing::Test {
         ASSERT_TRUE(answer && answer->status / 100 == 2) << path;
     }
 
-    static TempDir* dir_;
-    static ServiceProcess* service_;
+    inline static std::unique_ptr<TempDir> dir_;
+    inline static std::unique_ptr<ServiceProcess> service_;
     inline static TempDir home_;
 };
-
-TempDir* CatalogueCommandsTest::dir_ = nullptr;
-ServiceProcess* CatalogueCommandsTest::service_ = nullptr;
 
 TEST_F(CatalogueCommandsTest, AChartComesOutAsTheServiceSentItUnderTheModelsNames) {
     const json printed = appJSON({"chart", "songs", "--genre", "rap", "--period", "monthly"});
@@ -207,7 +195,7 @@ TEST_F(CatalogueCommandsTest, FailuresAreToldOnStderrWithAStatusAndNeverHang) {
     EXPECT_EQ(hostile.status, 1);
     EXPECT_THAT(hostile.err, HasSubstr("404"));
 
-    postAdmin("/admin/faults", {{"spec", "GET music/trending=status:500,times=1"}});
+    postAdmin("/admin/faults", {{"rule", "GET music/trending=status:500,times=1"}});
     const AppRun broken = app({"trending"});
     EXPECT_EQ(broken.status, 1);
     EXPECT_THAT(broken.err, HasSubstr("answered 500"));

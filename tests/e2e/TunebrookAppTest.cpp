@@ -1,25 +1,16 @@
-#include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <regex>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include "support/AppRun.h"
 #include "support/TempDir.h"
 #include "support/TestKeys.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-extern char** environ;
 
 namespace tb {
 namespace {
@@ -32,106 +23,9 @@ struct Run {
     std::string output;  // stdout and stderr together
 };
 
-// A running tunebrook binary with its stdout and stderr on one pipe.
-class AppProcess {
-  public:
-    explicit AppProcess(const std::vector<std::string>& arguments) {
-        int fds[2];
-        if (pipe(fds) != 0) {
-            return;
-        }
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, fds[1], STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, fds[1], STDERR_FILENO);
-        posix_spawn_file_actions_addclose(&actions, fds[0]);
-        std::vector<std::string> all = {TB_APP_BINARY};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        std::vector<char*> argv;
-        for (auto& argument : all) {
-            argv.push_back(argument.data());
-        }
-        argv.push_back(nullptr);
-        if (posix_spawn(&pid_, TB_APP_BINARY, &actions, nullptr, argv.data(), environ) != 0) {
-            pid_ = -1;
-        }
-        posix_spawn_file_actions_destroy(&actions);
-        close(fds[1]);
-        out_ = fds[0];
-    }
-
-    ~AppProcess() {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-        if (out_ >= 0) {
-            close(out_);
-        }
-    }
-
-    // Reads output until it holds `text` or `seconds` pass; true when it does.
-    bool waitForOutput(const std::string& text, double seconds = 20.0) {
-        const auto deadline =
-            std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-        while (output_.find(text) == std::string::npos) {
-            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-                deadline - std::chrono::steady_clock::now());
-            if (left.count() <= 0 || !readSome(static_cast<int>(left.count()))) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    void signal(int number) { kill(pid_, number); }
-
-    // Waits for the process to end (killing it after `seconds`) and reads what is left.
-    Run finish(double seconds = 20.0) {
-        const auto deadline =
-            std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-        waitForOutput("\x01never printed\x01", seconds);
-        Run run;
-        int status = 0;
-        pid_t ended = 0;
-        while ((ended = waitpid(pid_, &status, WNOHANG)) == 0 &&
-               std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        if (ended == 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, &status, 0);
-        } else if (ended == pid_ && WIFEXITED(status)) {
-            run.status = WEXITSTATUS(status);
-        }
-        pid_ = -1;
-        run.output = output_;
-        return run;
-    }
-
-  private:
-    // False at the end of the output or when nothing came in `milliseconds`.
-    bool readSome(int milliseconds) {
-        pollfd ready{out_, POLLIN, 0};
-        if (poll(&ready, 1, milliseconds) <= 0) {
-            return false;
-        }
-        char buffer[4096];
-        const auto count = read(out_, buffer, sizeof buffer);
-        if (count <= 0) {
-            return false;
-        }
-        output_.append(buffer, static_cast<std::size_t>(count));
-        return true;
-    }
-
-    pid_t pid_ = -1;
-    int out_ = -1;
-    std::string output_;
-};
-
-Run runApp(const std::vector<std::string>& arguments) {
-    return AppProcess(arguments).finish();
+Run runApp(const std::vector<std::string>& arguments, const test::SignalOn& stop = {}) {
+    const auto run = test::AppRun::of(TB_APP_BINARY, arguments, 20, stop);
+    return {run.status, run.out + run.err};
 }
 
 class TunebrookAppTest : public ::testing::Test {
@@ -225,11 +119,8 @@ TEST_F(TunebrookAppTest, VersionAndHelpNeedNoKeys) {
 
 TEST_F(TunebrookAppTest, StayRunsUntilTerminatedAndStopsCleanly) {
     for (const int signal : {SIGTERM, SIGINT}) {
-        AppProcess app(withHome({"--stay"}));
-        ASSERT_TRUE(app.waitForOutput("running until SIGINT or SIGTERM\n"));
-        app.signal(signal);
-        const auto run = app.finish();
-
+        const auto run =
+            runApp(withHome({"--stay"}), {"running until SIGINT or SIGTERM\n", signal});
         EXPECT_EQ(run.status, 0) << run.output;
         EXPECT_THAT(run.output,
                     HasSubstr(signal == SIGTERM ? "stopped by SIGTERM" : "stopped by SIGINT"));

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <thread>
 
 #include <fcntl.h>
 #include <httplib.h>
@@ -13,9 +12,11 @@
 #include <sys/wait.h>
 
 #include "core/TunebrookKeys.h"
+#include "support/ServiceCall.h"
 #include "support/ServiceProcess.h"
 #include "support/ServiceTestSigner.h"
 #include "support/TempDir.h"
+#include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
@@ -38,22 +39,8 @@ class ServiceProcessTest : public ::testing::Test {
                          const std::string& method,
                          const std::string& path,
                          const ServiceTestSigner::Params& params = {},
-                         bool sign = true,
-                         const httplib::Headers& extra = {}) {
-        httplib::Client client(service.host(), service.port());
-        client.set_url_encode(false);
-        httplib::Headers headers = extra;
-        if (sign) {
-            headers.emplace("Authorization",
-                            signer_.serializerHeader(method, service.baseUrl() + path, params,
-                                                     ServiceTestSigner::timestampNow(),
-                                                     ServiceTestSigner::freshNonce()));
-        }
-        std::string form = ServiceTestSigner::formEncode(params);
-        if (method == "GET") {
-            return client.Get("/v1/" + path + (form.empty() ? "" : "?" + form), headers);
-        }
-        return client.Post("/v1/" + path, headers, form, "application/x-www-form-urlencoded");
+                         bool sign = true) {
+        return serviceCall(service, signer_, method, path, params, sign);
     }
 
     void useKeysOf(const ServiceProcess& service) {
@@ -99,7 +86,7 @@ TEST_F(ServiceProcessTest, RefusesUnsignedCallsAndServesSignedOnesWithRealAudio)
     std::string id;
     for (const auto& song : songs) {
         if (!song["geo_restricted"].get<bool>()) {
-            id = song["id"].is_string() ? song["id"].get<std::string>() : song["id"].dump();
+            id = idText(song["id"]);
             break;
         }
     }
@@ -146,9 +133,7 @@ TEST_F(ServiceProcessTest, KeepsAccountsDownloadsAndKeysAcrossAKill) {
         auto token = nlohmann::json::parse(made->body);
         signer_.setToken(token["oauth_token"], token["oauth_token_secret"]);
         auto recent = nlohmann::json::parse(send(*service, "GET", "music/recent")->body);
-        songId = recent["results"][0]["id"].is_string()
-                     ? recent["results"][0]["id"].get<std::string>()
-                     : recent["results"][0]["id"].dump();
+        songId = idText(recent["results"][0]["id"]);
         ASSERT_EQ(send(*service, "POST", "user/downloads", {{"music_id", songId}})->status, 200);
         service->kill9();
     }
@@ -168,8 +153,7 @@ TEST_F(ServiceProcessTest, KeepsAccountsDownloadsAndKeysAcrossAKill) {
     signer_.setToken(token["oauth_token"], token["oauth_token_secret"]);
     auto downloads = nlohmann::json::parse(send(*service, "GET", "user/downloads")->body);
     ASSERT_EQ(downloads["results"].size(), 1u);
-    const auto& kept = downloads["results"][0]["id"];
-    EXPECT_EQ(kept.is_string() ? kept.get<std::string>() : kept.dump(), songId);
+    EXPECT_EQ(idText(downloads["results"][0]["id"]), songId);
 }
 
 TEST_F(ServiceProcessTest, FaultsFromTheCommandLineApplyFromTheFirstCall) {
@@ -190,7 +174,7 @@ TEST(ServiceProcessArgumentsTest, ASecondServiceCannotShareAListeningPort) {
     EXPECT_NE(second.terminate(), 0);
 }
 
-TEST(ServiceProcessArgumentsTest, ABadFaultSpecStopsTheStart) {
+TEST(ServiceProcessArgumentsTest, ABadFaultRuleStopsTheStart) {
     TempDir dir;
     ServiceProcess badFault(TB_SERVICE_BINARY, dir.file("data"),
                             {"--media", "placeholder", "--fault", "featured=explode"});
@@ -215,18 +199,6 @@ std::vector<pid_t> processesMentioning(const std::string& text, pid_t self) {
         }
     }
     return found;
-}
-
-template <typename Condition>
-bool waitFor(Condition condition, std::chrono::seconds limit) {
-    auto end = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    return true;
 }
 
 TEST(ServiceProcessArgumentsTest, AStopWhileTheFirstStartMakesAudioEndsItAndItsFfmpegChildren) {

@@ -1,10 +1,8 @@
 #include <cmath>
-#include <set>
 #include <string>
 
 #include "ScopedTimeZone.h"
 #include "model/DateText.h"
-#include "model/SafeFileName.h"
 
 #include <gtest/gtest.h>
 
@@ -94,36 +92,6 @@ TEST(DateTextTest, MicrosecondTimestampsRefuseOtherShapes) {
          }) {
         EXPECT_EQ(DateText::parseMicrosecondTimestamp(text), std::nullopt) << text;
     }
-}
-
-TEST(SafeFileNameTest, KeepsPlainIdsAndEncodesEverythingElse) {
-    EXPECT_EQ(safeFileName("4815162"), "4815162");
-    EXPECT_EQ(safeFileName("song-1_v2.final"), "song-1_v2.final");
-    EXPECT_EQ(safeFileName("a/b"), "a%2Fb");
-    EXPECT_EQ(safeFileName("a b%"), "a%20b%25");
-    EXPECT_EQ(safeFileName("caf\xc3\xa9"), "caf%C3%A9");
-    EXPECT_EQ(safeFileName(std::string("a\0b", 3)), "a%00b");
-    EXPECT_EQ(safeFileName("\\"), "%5C");
-}
-
-TEST(SafeFileNameTest, NoNameIsEmptyDotDotDotOrHidden) {
-    EXPECT_EQ(safeFileName(""), "_");
-    EXPECT_EQ(safeFileName("."), "%2E");
-    EXPECT_EQ(safeFileName(".."), "%2E.");
-    EXPECT_EQ(safeFileName(".hidden"), "%2Ehidden");
-    EXPECT_EQ(safeFileName("../../etc/passwd"), "%2E.%2F..%2Fetc%2Fpasswd");
-    EXPECT_EQ(safeFileName("a.."), "a..");  // dots after the first byte are harmless
-}
-
-TEST(SafeFileNameTest, DifferentIdsGiveDifferentNames) {
-    const char* ids[] = {"a/b", "a%2Fb", "a_b", ".a", "%2Ea", "a b", "a+b", "A", "a"};
-    std::set<std::string> names;
-    for (const char* id : ids) {
-        const std::string name = safeFileName(id);
-        EXPECT_EQ(name.find('/'), std::string::npos);
-        names.insert(name);
-    }
-    EXPECT_EQ(names.size(), std::size(ids));
 }
 
 }  // namespace

@@ -131,7 +131,7 @@ TEST(ItemTest, LocalFileIsTheSafeIdWithMp3InTheDocuments) {
     item.itemID = "..";
     EXPECT_EQ(item.localFileURL("/data/docs"), "/data/docs/%2E..mp3");
     item.itemID.reset();
-    EXPECT_EQ(item.localFileURL("/data/docs"), "/data/docs/_.mp3");
+    EXPECT_EQ(item.localFileURL("/data/docs"), "/data/docs/%.mp3");
 }
 
 TEST(ItemTest, AvailableEntriesLeaveOutRestrictedOnes) {

@@ -198,12 +198,6 @@ TEST(TBUtilTest, ShuffleIsAForwardFisherYatesPass) {
     EXPECT_TRUE(TBUtil::shuffle(std::vector<int>{}, random).empty());
 }
 
-TEST(TBUtilTest, UrlEncodingKeepsOnlyUnreservedCharacters) {
-    EXPECT_EQ(TBUtil::urlEncodedString("A-z_0.9~"), "A-z_0.9~");
-    EXPECT_EQ(TBUtil::urlEncodedString("a b&c=d/e?f+g%"), "a%20b%26c%3Dd%2Fe%3Ff%2Bg%25");
-    EXPECT_EQ(TBUtil::urlEncodedString("caf\xc3\xa9"), "caf%C3%A9");
-}
-
 TEST(TBUtilTest, GuardsAreNilSafe) {
     const JSON json = JSON::parse(R"({"s": "v", "n": 1, "a": [1, 2]})");
     EXPECT_EQ(TBUtil::yesNo(true), "yes");

@@ -97,19 +97,5 @@ TEST_F(CatalogueGeneratorTest, HasTheSizeAndVarietyTheClientsNeed) {
     EXPECT_EQ(count(*db, "SELECT COUNT(*) FROM music WHERE album_id != 0 AND track_number < 1"), 0);
 }
 
-TEST(MediaPlanTest, MakesShortRecordingsOneLongOneAndArtworkFromTheSeed) {
-    MediaPlan plan = MediaPlan::fromSeed(3);
-    EXPECT_GE(plan.shortAudio.size(), 10u);
-    for (const auto& asset : plan.shortAudio) {
-        EXPECT_GE(asset.seconds, 18);
-        EXPECT_LE(asset.seconds, 92);
-        EXPECT_EQ(asset.steps.size(), 8u);
-    }
-    EXPECT_GT(plan.longAudio.seconds, 1200);
-    EXPECT_EQ(plan.longAudio.channels, 1);
-    EXPECT_EQ(MediaPlan::fromSeed(3).shortAudio[4].rootHz, plan.shortAudio[4].rootHz);
-    EXPECT_GE(plan.artwork.size(), 20u);
-}
-
 }  // namespace
 }  // namespace tb::service

@@ -37,11 +37,11 @@ TEST(FaultRuleTest, ReadsTheCommandLineForm) {
 
 TEST(FaultRuleTest, RefusesWhatItCantRead) {
     std::string error;
-    for (const char* spec :
+    for (const char* text :
          {"", "search", "search=explode", "search=status:99", "search=status:abc",
           "search=truncate:100%", "search=delay", "search=status,times=x", "search=status,color=1",
           "a b c=status", "=status", "search=status:500,times=0"}) {
-        EXPECT_FALSE(FaultRule::parse(spec, error)) << spec;
+        EXPECT_FALSE(FaultRule::parse(text, error)) << text;
     }
     EXPECT_FALSE(
         FaultRule::fromJson({{"path", "x"}, {"action", "status"}, {"status", "500"}}, error));

@@ -10,14 +10,14 @@ namespace tb::service {
 namespace {
 
 TEST(FormParamsTest, KeepsOrderNamesAsWrittenAndBareNames) {
-    auto params = FormParams::parse("entities%5B%5D%5Bkind%5D=song&q=a%20b+c&flag&&x=");
+    auto params = FormParams::parse("entities%5B%5D%5Bkind%5D=song&q=a%20b+c&flag&&x=%2B");
     ASSERT_TRUE(params);
     ASSERT_EQ(params->size(), 4u);
     EXPECT_EQ((*params)[0].name, "entities[][kind]");
-    EXPECT_EQ((*params)[1].value, "a b+c");  // a plus sign stays a plus sign
+    EXPECT_EQ((*params)[1].value, "a b c");  // "+" is a space, as in any form
     EXPECT_FALSE((*params)[2].hasValue);
     EXPECT_TRUE((*params)[3].hasValue);
-    EXPECT_EQ((*params)[3].value, "");
+    EXPECT_EQ((*params)[3].value, "+");
 }
 
 TEST(FormParamsTest, RefusesBrokenEscapesAndFloods) {

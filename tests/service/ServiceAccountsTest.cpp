@@ -124,5 +124,39 @@ TEST_F(ServiceAccountsTest, ForgottenPasswordKnowsItsAccounts) {
     EXPECT_TRUE(unknown.json["errors"]["email"].is_array());
 }
 
+// A standard client writes a space in a form body or query as "+" and signs the decoded text.
+class ServicePlusAsSpaceTest : public ServiceFixture,
+                               public ::testing::WithParamInterface<ServiceFixture::Scheme> {};
+
+TEST_P(ServicePlusAsSpaceTest, APlusInASignedFormOrQueryIsASpaceAndTamperingIsStillRefused) {
+    const std::string form = "application/x-www-form-urlencoded";
+    const std::string body = "email=bars%40example.com&password=long+enough&password2=long+enough";
+    std::map<std::string, std::string> signedForm{
+        {"Authorization", authorization("POST", "user/register",
+                                        {{"email", "bars@example.com"},
+                                         {"artist_name", "Bars Listener"},
+                                         {"password", "long enough"},
+                                         {"password2", "long enough"}},
+                                        GetParam())}};
+    auto tampered =
+        raw("POST", "/v1/user/register", signedForm, body + "&artist_name=Bars+Lis", form);
+    EXPECT_EQ(tampered.status, 401);
+    EXPECT_EQ(tampered.json["message"], "Invalid signature");
+    auto made =
+        raw("POST", "/v1/user/register", signedForm, body + "&artist_name=Bars+Listener", form);
+    ASSERT_EQ(made.status, 200) << made.body;
+    EXPECT_EQ(made.json["user"]["url_slug"], "bars-listener");
+
+    std::map<std::string, std::string> signedQuery{
+        {"Authorization", authorization("GET", "search", {{"q", "Bars Listener"}}, GetParam())}};
+    EXPECT_EQ(raw("GET", "/v1/search?q=Bars+Lis", signedQuery).status, 401);
+    EXPECT_EQ(raw("GET", "/v1/search?q=Bars+Listener", signedQuery).status, 200);
+}
+
+INSTANTIATE_TEST_SUITE_P(BothSchemes,
+                         ServicePlusAsSpaceTest,
+                         ::testing::Values(ServiceFixture::Scheme::serializer,
+                                           ServiceFixture::Scheme::signer));
+
 }  // namespace
 }  // namespace tb::test

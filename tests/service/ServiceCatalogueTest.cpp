@@ -1,6 +1,7 @@
 #include <set>
 
 #include "service/ServiceFixture.h"
+#include "support/ServiceCall.h"
 #include "tunebrook-service/Service.h"
 #include "tunebrook-service/ServiceContext.h"
 
@@ -12,7 +13,7 @@ using Scheme = ServiceFixture::Scheme;
 std::set<std::string> ids(const nlohmann::json& results) {
     std::set<std::string> out;
     for (const auto& item : results) {
-        out.insert(item["id"].is_string() ? item["id"].get<std::string>() : item["id"].dump());
+        out.insert(idText(item["id"]));
     }
     return out;
 }

@@ -1,8 +1,8 @@
 #include <chrono>
 #include <future>
-#include <thread>
 
 #include "service/ServiceFixture.h"
+#include "support/WaitFor.h"
 #include "tunebrook-service/Service.h"
 #include "tunebrook-service/http/FaultInjector.h"
 
@@ -11,8 +11,8 @@ namespace {
 
 class ServiceFaultsTest : public ServiceFixture {
   protected:
-    void inject(const std::string& spec) {
-        auto answer = raw("POST", "/admin/faults", {}, nlohmann::json{{"spec", spec}}.dump(),
+    void inject(const std::string& rule) {
+        auto answer = raw("POST", "/admin/faults", {}, nlohmann::json{{"rule", rule}}.dump(),
                           "application/json");
         ASSERT_EQ(answer.status, 200) << answer.body;
     }
@@ -72,9 +72,11 @@ TEST_F(ServiceFaultsTest, AHangHoldsTheRequestForItsLongestWaitAndGivesNoAnswer)
 }
 
 TEST_F(ServiceFaultsTest, StoppingTheServerEndsAHangAtOnce) {
-    inject("featured=hang:60000");
+    inject("featured=hang:60000,times=1");
     auto hung = std::async(std::launch::async, [this] { return call("GET", "featured"); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    // A rule leaves the list once it has fired its last time: the request is being held.
+    ASSERT_TRUE(waitFor([this] { return raw("GET", "/admin/faults").json["faults"].empty(); },
+                        std::chrono::seconds(5)));
     auto start = std::chrono::steady_clock::now();
     service().stop();
     EXPECT_EQ(hung.wait_for(std::chrono::seconds(5)), std::future_status::ready);

@@ -61,21 +61,15 @@ ServiceFixture::Answer ServiceFixture::raw(const std::string& method,
     httplib::Client client("127.0.0.1", service_->port());
     client.set_url_encode(false);
     client.set_read_timeout(10, 0);
-    httplib::Headers sent(headers.begin(), headers.end());
-    httplib::Result result(nullptr, httplib::Error::Unknown);
-    if (method == "GET") {
-        result = client.Get(pathAndQuery, sent);
-    } else if (method == "HEAD") {
-        result = client.Head(pathAndQuery, sent);
-    } else if (method == "DELETE") {
-        result = client.Delete(pathAndQuery, sent, body, contentType);
-    } else if (method == "PATCH") {
-        result = client.Patch(pathAndQuery, sent, body, contentType);
-    } else if (method == "PUT") {
-        result = client.Put(pathAndQuery, sent, body, contentType);
-    } else {
-        result = client.Post(pathAndQuery, sent, body, contentType);
+    httplib::Request request;
+    request.method = method;
+    request.path = pathAndQuery;
+    request.headers = httplib::Headers(headers.begin(), headers.end());
+    request.body = body;
+    if (!contentType.empty()) {
+        request.set_header("Content-Type", contentType);
     }
+    httplib::Result result = client.send(request);
     Answer answer;
     if (!result) {
         return answer;
@@ -90,18 +84,29 @@ ServiceFixture::Answer ServiceFixture::raw(const std::string& method,
     return answer;
 }
 
+std::string ServiceFixture::authorization(const std::string& method,
+                                          const std::string& path,
+                                          const ServiceTestSigner::Params& params,
+                                          Scheme scheme) {
+    std::string url = service_->baseUrl() + path;
+    std::string timestamp = ServiceTestSigner::timestampNow();
+    std::string nonce = ServiceTestSigner::freshNonce();
+    if (scheme == Scheme::serializer) {
+        return signer_.serializerHeader(method, url, params, timestamp, nonce);
+    }
+    if (scheme == Scheme::signer) {
+        return signer_.signerHeader(method, url, params, timestamp, nonce);
+    }
+    return "";
+}
+
 ServiceFixture::Answer ServiceFixture::call(const std::string& method,
                                             const std::string& path,
                                             const ServiceTestSigner::Params& params,
                                             Scheme scheme) {
-    std::string url = service_->baseUrl() + path;
-    std::string timestamp = ServiceTestSigner::timestampNow();
-    std::string nonce = ServiceTestSigner::freshNonce();
     std::map<std::string, std::string> headers;
-    if (scheme == Scheme::serializer) {
-        headers["Authorization"] = signer_.serializerHeader(method, url, params, timestamp, nonce);
-    } else if (scheme == Scheme::signer) {
-        headers["Authorization"] = signer_.signerHeader(method, url, params, timestamp, nonce);
+    if (scheme != Scheme::none) {
+        headers["Authorization"] = authorization(method, path, params, scheme);
     }
     std::string encoded = ServiceTestSigner::formEncode(params);
     std::string target = "/v1/" + path;

@@ -45,6 +45,11 @@ class ServiceFixture : public ::testing::Test {
                 const std::string& path,
                 const ServiceTestSigner::Params& params = {},
                 Scheme scheme = Scheme::serializer);
+    // The Authorization header of a call to a path under the API base, signed over `params`.
+    std::string authorization(const std::string& method,
+                              const std::string& path,
+                              const ServiceTestSigner::Params& params,
+                              Scheme scheme);
     // A plain request to a path of the server (media, admin), with extra headers.
     Answer raw(const std::string& method,
                const std::string& pathAndQuery,

@@ -1,13 +1,10 @@
 #include <set>
 
 #include "service/ServiceFixture.h"
+#include "support/ServiceCall.h"
 
 namespace tb::test {
 namespace {
-
-std::string idText(const nlohmann::json& id) {
-    return id.is_string() ? id.get<std::string>() : id.dump();
-}
 
 class ServiceLibraryTest : public ServiceFixture {
   protected:

@@ -1,7 +1,5 @@
-#include <fstream>
-#include <sstream>
-
 #include "service/ServiceFixture.h"
+#include "support/FileContents.h"
 #include "tunebrook-service/Service.h"
 #include "tunebrook-service/ServiceContext.h"
 #include "tunebrook-service/media/MediaGenerator.h"
@@ -24,11 +22,8 @@ class ServiceStreamTest : public ServiceFixture {
 
     std::string fileOf(const std::string& songId) {
         auto row = service().context().music.byId(std::stoll(songId));
-        std::ifstream in(tb::service::MediaGenerator::audioPath(dataDir() + "/data", row->audio),
-                         std::ios::binary);
-        std::stringstream content;
-        content << in.rdbuf();
-        return content.str();
+        return readFileText(
+            tb::service::MediaGenerator::audioPath(dataDir() + "/data", row->audio));
     }
 
     int countedPlays() {

@@ -10,36 +10,39 @@ namespace {
 // script that follows the two algorithms with urllib.parse.quote(s, safe="-._~"), hmac and
 // base64 over the same inputs.
 
-SignatureInput searchWithToken() {
+// A request's fields with the Authorization entries the client writes.
+SignatureInput request(const std::string& method,
+                       const std::string& path,
+                       const std::string& nonce,
+                       const std::string& timestamp,
+                       const std::string& token = "") {
     SignatureInput input;
-    input.method = "GET";
-    input.url = "http://127.0.0.1:8080/v1/search";
-    input.queryParams = {{"q", "Sade & Kofi+ \xc3\xa9"}, {"show", "music"}, {"page", "1"}};
+    input.method = method;
+    input.url = "http://127.0.0.1:8080/v1/" + path;
     input.oauth = {{"oauth_consumer_key", "ck-key"},
-                   {"oauth_nonce", "12345"},
+                   {"oauth_nonce", nonce},
                    {"oauth_signature_method", "HMAC-SHA1"},
-                   {"oauth_timestamp", "1700000128"},
-                   {"oauth_version", "1.0"},
-                   {"oauth_token", "tok123"}};
+                   {"oauth_timestamp", timestamp},
+                   {"oauth_version", "1.0"}};
+    if (!token.empty()) {
+        input.oauth["oauth_token"] = token;
+        input.tokenSecret = "t=sec ret";
+    }
     input.consumerSecret = "c+s/ecret";
-    input.tokenSecret = "t=sec ret";
+    return input;
+}
+
+SignatureInput searchWithToken() {
+    SignatureInput input = request("GET", "search", "12345", "1700000128", "tok123");
+    input.queryParams = {{"q", "Sade & Kofi+ \xc3\xa9"}, {"show", "music"}, {"page", "1"}};
     return input;
 }
 
 SignatureInput profileForm() {
-    SignatureInput input;
-    input.method = "POST";
-    input.url = "http://127.0.0.1:8080/v1/user/profile";
+    SignatureInput input =
+        request("POST", "user/profile", "9223372036854775000", "1700000100", "tok123");
     input.bodyParams = {{"name", "Sade & Kofi+"}, {"bio", "a~b"}};
     input.urlEncodedBody = true;
-    input.oauth = {{"oauth_consumer_key", "ck-key"},
-                   {"oauth_nonce", "9223372036854775000"},
-                   {"oauth_signature_method", "HMAC-SHA1"},
-                   {"oauth_timestamp", "1700000100"},
-                   {"oauth_version", "1.0"},
-                   {"oauth_token", "tok123"}};
-    input.consumerSecret = "c+s/ecret";
-    input.tokenSecret = "t=sec ret";
     return input;
 }
 
@@ -54,19 +57,11 @@ TEST(SignatureVerifierTest, SerializerSchemeMatchesTheWorkedExample) {
 }
 
 TEST(SignatureVerifierTest, SerializerLoginWithoutTokenKeysOnTheConsumerSecretAndAnAmpersand) {
-    SignatureInput input;
-    input.method = "POST";
-    input.url = "http://127.0.0.1:8080/v1/access_token";
+    SignatureInput input = request("POST", "access_token", "777", "1700000128");
     input.bodyParams = {{"x_auth_mode", "client_auth"},
                         {"x_auth_username", "a@b.c"},
                         {"x_auth_password", "p@ss w+rd"}};
     input.urlEncodedBody = true;
-    input.oauth = {{"oauth_consumer_key", "ck-key"},
-                   {"oauth_nonce", "777"},
-                   {"oauth_signature_method", "HMAC-SHA1"},
-                   {"oauth_timestamp", "1700000128"},
-                   {"oauth_version", "1.0"}};
-    input.consumerSecret = "c+s/ecret";
     EXPECT_EQ(SignatureVerifier::serializerSignature(input), "iozuuD9TvUdcuXFQzpcBWvlaWCI=");
     input.oauth["oauth_signature"] = "iozuuD9TvUdcuXFQzpcBWvlaWCI=";
     EXPECT_EQ(SignatureVerifier::verify(input), SignatureScheme::serializer);
@@ -78,16 +73,8 @@ TEST(SignatureVerifierTest, SignerSchemeReadsTheFormBodyAndKeysOnEncodedSecrets)
     // The same request by the serializer differs only in the key, made of the raw secrets.
     EXPECT_EQ(SignatureVerifier::serializerSignature(input), "vkfDq18NIfqkGMiIGFvP1uJurG8=");
 
-    SignatureInput query;
-    query.method = "GET";
-    query.url = "http://127.0.0.1:8080/v1/onboarding-items";
+    SignatureInput query = request("GET", "onboarding-items", "42", "1700000100");
     query.queryParams = {{"genre", "rap"}};
-    query.oauth = {{"oauth_consumer_key", "ck-key"},
-                   {"oauth_nonce", "42"},
-                   {"oauth_signature_method", "HMAC-SHA1"},
-                   {"oauth_timestamp", "1700000100"},
-                   {"oauth_version", "1.0"}};
-    query.consumerSecret = "c+s/ecret";
     EXPECT_EQ(SignatureVerifier::signerSignature(query), "njtppH+qAKVC/4o+weDiXeY2zY8=");
 }
 

@@ -18,7 +18,8 @@ namespace tb::test {
 
 AppRun AppRun::of(const std::string& binary,
                   const std::vector<std::string>& arguments,
-                  double timeoutSeconds) {
+                  double timeoutSeconds,
+                  const SignalOn& signalOn) {
     TempDir dir;
     const std::string outPath = dir.file("stdout");
     const std::string errPath = dir.file("stderr");
@@ -48,7 +49,12 @@ AppRun AppRun::of(const std::string& binary,
     }
     const auto deadline = started + std::chrono::duration<double>(timeoutSeconds);
     int status = 0;
+    bool signalled = signalOn.signal == 0;
     while (waitpid(pid, &status, WNOHANG) == 0) {
+        if (!signalled && readFileText(outPath).find(signalOn.text) != std::string::npos) {
+            kill(pid, signalOn.signal);
+            signalled = true;
+        }
         if (std::chrono::steady_clock::now() > deadline) {
             kill(pid, SIGKILL);
             waitpid(pid, &status, 0);

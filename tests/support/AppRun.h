@@ -5,6 +5,13 @@
 
 namespace tb::test {
 
+// A signal sent to a run once its stdout holds `text` (for a program that runs until it is
+// told to stop).
+struct SignalOn {
+    std::string text;
+    int signal = 0;
+};
+
 // One run of a program to its end, with what it wrote to stdout and to stderr kept apart
 // (so that a --json run's stdout can be parsed). A run that outlives `timeoutSeconds` is
 // killed and reports status -1.
@@ -16,7 +23,8 @@ struct AppRun {
 
     static AppRun of(const std::string& binary,
                      const std::vector<std::string>& arguments,
-                     double timeoutSeconds = 60);
+                     double timeoutSeconds = 60,
+                     const SignalOn& signalOn = {});
 };
 
 }  // namespace tb::test

@@ -21,6 +21,29 @@ int hexValue(char c) {
     return -1;
 }
 
+// Undoes "%XX" escapes; a "+" becomes `plus`.
+std::optional<std::string> decodeEscapes(std::string_view text, char plus) {
+    std::string out;
+    out.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '%') {
+            out.push_back(text[i] == '+' ? plus : text[i]);
+            continue;
+        }
+        if (i + 2 >= text.size()) {
+            return std::nullopt;
+        }
+        int high = hexValue(text[i + 1]);
+        int low = hexValue(text[i + 2]);
+        if (high < 0 || low < 0) {
+            return std::nullopt;
+        }
+        out.push_back(static_cast<char>(high * 16 + low));
+        i += 2;
+    }
+    return out;
+}
+
 }  // namespace
 
 std::string PercentCodec::encode(std::string_view text, std::string_view keep) {
@@ -45,25 +68,11 @@ std::string PercentCodec::encodeUnreserved(std::string_view text) {
 }
 
 std::optional<std::string> PercentCodec::decode(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '%') {
-            out.push_back(text[i]);
-            continue;
-        }
-        if (i + 2 >= text.size()) {
-            return std::nullopt;
-        }
-        int high = hexValue(text[i + 1]);
-        int low = hexValue(text[i + 2]);
-        if (high < 0 || low < 0) {
-            return std::nullopt;
-        }
-        out.push_back(static_cast<char>(high * 16 + low));
-        i += 2;
-    }
-    return out;
+    return decodeEscapes(text, '+');
+}
+
+std::optional<std::string> PercentCodec::decodeFormComponent(std::string_view text) {
+    return decodeEscapes(text, ' ');
 }
 
 }  // namespace tb::service

@@ -13,9 +13,11 @@ class PercentCodec {
     static std::string encode(std::string_view text, std::string_view keep);
     // Letters, digits and "-._~" stay; everything else is escaped.
     static std::string encodeUnreserved(std::string_view text);
-    // Null when an escape is malformed. "+" stays a plus sign: this service's callers never
-    // write spaces that way, and the signatures are computed over the decoded text.
+    // Null when an escape is malformed. "+" stays a plus sign, as it does in a URL path.
     static std::optional<std::string> decode(std::string_view text);
+    // The same for a name or value of a form body or query string, where "+" is a space:
+    // standard clients write spaces that way and sign the decoded text.
+    static std::optional<std::string> decodeFormComponent(std::string_view text);
 };
 
 }  // namespace tb::service

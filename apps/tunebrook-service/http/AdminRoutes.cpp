@@ -74,8 +74,8 @@ void addFaults(FaultInjector& faults, httplib::Response& response, const json& b
     for (const auto& entry : list) {
         std::string error;
         std::optional<FaultRule> rule;
-        if (entry.is_object() && entry.contains("spec") && entry["spec"].is_string()) {
-            rule = FaultRule::parse(entry["spec"].get<std::string>(), error);
+        if (entry.is_object() && entry.contains("rule") && entry["rule"].is_string()) {
+            rule = FaultRule::parse(entry["rule"].get<std::string>(), error);
         } else {
             rule = FaultRule::fromJson(entry, error);
         }

@@ -141,14 +141,14 @@ const char* FaultRule::actionName(Action action) {
     return "";
 }
 
-std::optional<FaultRule> FaultRule::parse(const std::string& spec, std::string& error) {
-    size_t equals = spec.find('=');
+std::optional<FaultRule> FaultRule::parse(const std::string& text, std::string& error) {
+    size_t equals = text.find('=');
     if (equals == std::string::npos) {
         error = "a fault is PATTERN=ACTION";
         return std::nullopt;
     }
     FaultRule rule;
-    std::string left = spec.substr(0, equals);
+    std::string left = text.substr(0, equals);
     size_t space = left.find(' ');
     if (space != std::string::npos) {
         rule.method = left.substr(0, space);
@@ -159,7 +159,7 @@ std::optional<FaultRule> FaultRule::parse(const std::string& spec, std::string& 
         error = "invalid path pattern";
         return std::nullopt;
     }
-    auto options = split(spec.substr(equals + 1), ',');
+    auto options = split(text.substr(equals + 1), ',');
     if (options.empty()) {
         error = "missing action";
         return std::nullopt;

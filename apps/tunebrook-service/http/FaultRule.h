@@ -31,7 +31,7 @@ struct FaultRule {
     // "[METHOD ]PATTERN=ACTION[:ARG[:ARG]][,times=N][,delay=MS]", e.g.
     // "music/*/play=status:503,times=2", "chart/**=delay:1500", "/media/**=truncate:50%",
     // "search=drip:64:200", "featured=reset", "POST user/downloads=hang".
-    static std::optional<FaultRule> parse(const std::string& spec, std::string& error);
+    static std::optional<FaultRule> parse(const std::string& text, std::string& error);
     // {"path", "action", "method", "status", "body", "delay_ms", "bytes", "percent",
     //  "chunk_bytes", "interval_ms", "max_ms", "times"}
     static std::optional<FaultRule> fromJson(const nlohmann::json& value, std::string& error);

@@ -25,7 +25,7 @@ std::optional<std::vector<FormParam>> FormParams::parse(std::string_view text) {
         }
         size_t equals = pair.find('=');
         FormParam param;
-        auto name = PercentCodec::decode(pair.substr(0, equals));
+        auto name = PercentCodec::decodeFormComponent(pair.substr(0, equals));
         if (!name) {
             return std::nullopt;
         }
@@ -33,7 +33,7 @@ std::optional<std::vector<FormParam>> FormParams::parse(std::string_view text) {
         if (equals == std::string_view::npos) {
             param.hasValue = false;
         } else {
-            auto value = PercentCodec::decode(pair.substr(equals + 1));
+            auto value = PercentCodec::decodeFormComponent(pair.substr(equals + 1));
             if (!value) {
                 return std::nullopt;
             }

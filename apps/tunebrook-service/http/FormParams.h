@@ -15,8 +15,10 @@ struct FormParam {
     bool hasValue = true;
 };
 
-// Parsing of "a=1&b=2" text, in the order written; nested names ("entities[][id]") stay as
-// written, since that is what the client signs.
+// Parsing of "a=1&b=2" text, in the order written, by the form rules: "%XX" escapes and "+"
+// for a space, in a body and in a URL query alike, so that the decoded text is what a
+// standard client signed. Nested names ("entities[][id]") stay as written, since that is
+// what the client signs.
 class FormParams {
   public:
     static constexpr size_t kMaxParams = 1000;

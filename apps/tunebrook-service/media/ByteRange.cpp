@@ -30,13 +30,13 @@ ByteRange ByteRange::parse(const std::string& header, uint64_t size) {
     if (value.compare(0, unit.size(), unit) != 0 || value.find(',') != std::string::npos) {
         return whole;
     }
-    std::string spec = trim(value.substr(unit.size()));
-    size_t dash = spec.find('-');
+    std::string bounds = trim(value.substr(unit.size()));
+    size_t dash = bounds.find('-');
     if (dash == std::string::npos) {
         return whole;
     }
-    std::string from = trim(spec.substr(0, dash));
-    std::string to = trim(spec.substr(dash + 1));
+    std::string from = trim(bounds.substr(0, dash));
+    std::string to = trim(bounds.substr(dash + 1));
     ByteRange range;
     range.kind = Kind::partial;
     if (from.empty()) {

@@ -8,8 +8,11 @@
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include "platform/AtomicWrite.h"
+#include "platform/BackupExclusion.h"
 #include "platform/ErrorReporter.h"
 #include "platform/JsonLimits.h"
 #include "platform/Log.h"
@@ -17,6 +20,10 @@
 namespace tb {
 
 namespace {
+
+// The extended attribute desktop backup tools read to leave a file out.
+constexpr const char* kBackupAttribute = "user.xdg.robots.backup";
+constexpr const char* kBackupExcluded = "false";
 
 std::string folderOf(const std::string& path) {
     const auto slash = path.rfind('/');
@@ -64,8 +71,11 @@ bool writeFileAtomically(const std::string& path,
                          mode_t mode,
                          std::string* reason) {
     const std::string folder = folderOf(path);
-    const std::string name = path.substr(path.rfind('/') + 1);
-    std::string temporary = folder + "/." + name + ".tmp-XXXXXX";
+    // A short hidden name: the target's own name may already be as long as a name can be.
+    // mkostemp creates it exclusively, so a symlink planted under that name is refused
+    // rather than followed, and the rename replaces a symlink at the target instead of
+    // writing through it: the file stays in its folder.
+    std::string temporary = folder + "/.atomic-write-XXXXXX";
     const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0) {
         return fail(reason, "can't create a temporary file in " + folder);
@@ -197,6 +207,32 @@ std::optional<nlohmann::json> readJsonObjectFile(const std::string& path,
         return std::nullopt;
     }
     return document;
+}
+
+bool atomicWrite(const std::string& path, std::string_view bytes, std::string* reason) {
+    return writeFileAtomically(path, bytes, 0644, reason);
+}
+
+bool readFileBytes(const std::string& path, std::string& bytes, std::string* reason) {
+    const FileRead read = readWholeFile(path, bytes, reason);
+    if (read == FileRead::Missing && reason) {
+        *reason = "can't open " + path + ": no such file";
+    }
+    return read == FileRead::Read;
+}
+
+bool excludeFromBackup(const std::string& path) {
+    // lsetxattr: a symlink is refused (user attributes can't be set on one), never followed
+    // to mark a file outside our folders.
+    return ::lsetxattr(path.c_str(), kBackupAttribute, kBackupExcluded,
+                       std::strlen(kBackupExcluded), 0) == 0;
+}
+
+bool isExcludedFromBackup(const std::string& path) {
+    char value[16] = {};
+    const ssize_t size = ::lgetxattr(path.c_str(), kBackupAttribute, value, sizeof value - 1);
+    return size == static_cast<ssize_t>(std::strlen(kBackupExcluded)) &&
+           std::memcmp(value, kBackupExcluded, static_cast<std::size_t>(size)) == 0;
 }
 
 }  // namespace tb

@@ -5,9 +5,9 @@
 
 #include "platform/Base64.h"
 #include "platform/Log.h"
+#include "platform/SafeFileName.h"
 #include "platform/Utf8.h"
 #include "platform/linux/AtomicFile.h"
-#include "platform/linux/SafeFileName.h"
 
 namespace tb {
 
@@ -33,7 +33,7 @@ std::string FileKeychainStore::folderIn(const std::string& supportFolder) {
 
 std::string FileKeychainStore::pathFor(const std::string& identity,
                                        const std::string& supportFolder) {
-    return folderIn(supportFolder) + "/" + safeFileStem(identity) + ".json";
+    return folderIn(supportFolder) + "/" + safeFileName(identity) + ".json";
 }
 
 std::optional<std::string> FileKeychainStore::dataForKey(const std::string& key) {

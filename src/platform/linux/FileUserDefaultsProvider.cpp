@@ -1,6 +1,6 @@
 #include "platform/linux/FileUserDefaultsProvider.h"
 
-#include "platform/linux/SafeFileName.h"
+#include "platform/SafeFileName.h"
 
 namespace tb {
 
@@ -27,7 +27,7 @@ FileUserDefaults& FileUserDefaultsProvider::suite(const std::string& name) {
 
 std::string FileUserDefaultsProvider::pathForSuite(const std::string& name) const {
     // A suite called "standard" must not share the standard suite's file.
-    return folder_ + "/" + safeFileStem(name, {kStandardStem}) + ".json";
+    return folder_ + "/" + safeFileName(name, {kStandardStem}) + ".json";
 }
 
 FileUserDefaults& FileUserDefaultsProvider::open(std::unique_ptr<FileUserDefaults>& slot,

@@ -11,7 +11,7 @@
 namespace tb {
 
 JsonLinesFile::JsonLinesFile(std::string path) : path_(std::move(path)) {
-    fd_ = ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    fd_ = ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (fd_ < 0) {
         logLine("can't open " + path_ + ": " + std::strerror(errno));
     }

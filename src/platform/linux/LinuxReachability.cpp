@@ -16,16 +16,11 @@
 #include <unistd.h>
 
 #include "platform/MainQueue.h"
+#include "platform/StringUtil.h"
 
 namespace tb {
 
 namespace {
-
-std::string lowercase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 std::optional<int> portNumber(const std::string& text) {
     if (text.empty() || text.size() > 5 ||
@@ -77,7 +72,7 @@ std::optional<HostAndPort> hostAndPortOfURL(const std::string& url) {
     if (schemeEnd == std::string::npos) {
         return std::nullopt;
     }
-    const std::string scheme = lowercase(url.substr(0, schemeEnd));
+    const std::string scheme = lowercased(url.substr(0, schemeEnd));
     std::string authority = url.substr(schemeEnd + 3);
     authority = authority.substr(0, authority.find_first_of("/?#"));
     if (const auto at = authority.rfind('@'); at != std::string::npos) {

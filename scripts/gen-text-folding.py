@@ -1,0 +1,157 @@
+#!/usr/bin/env python3
+"""Writes src/model/store/TextFoldingTable.inc, the folding table of TextFolding.
+
+Source: the Unicode character database as python3's `unicodedata` module carries it (names,
+general categories, decompositions) and `str.lower`. The build doesn't need python: the
+generated file is checked in; run this again only to change the rules below.
+
+For each code point of U+00C0..U+04FF and U+1E00..U+1EFF:
+- lower: `str.lower` when that is one code point, else the code point itself;
+- base (same case, for diacritic-insensitive folding), for all but combining marks:
+  1. follow the canonical decomposition's first code point to its end ("ǻ" -> "å" -> "a",
+     the Greek question mark -> ";"); for what isn't a letter, that is all;
+  2. if the compatibility decomposition of that, without combining marks, is one ASCII
+     letter, that letter ("ſ" -> "s", "ʰ" -> "h");
+  3. else, unless the letter has an expansion, the Latin letter its name carries
+     ("LATIN SMALL LETTER O WITH STROKE" -> "o", "... L WITH MIDDLE DOT" -> "L"), and
+     "ETH" -> "D", "DOTLESS I" -> "I";
+- expansion, ASCII text that replaces the base: the compatibility decomposition of the base
+  without combining marks when that is two or more ASCII letters ("ǆ" -> "dz"), else for the
+  letters named AE, OE, THORN and SHARP S: "AE", "OE", "TH", "SS" in the letter's case.
+
+The table is written as ranges; TextFolding expands it at compile time into one entry per
+code point.
+
+Usage: scripts/gen-text-folding.py > src/model/store/TextFoldingTable.inc
+"""
+
+import re
+import sys
+import unicodedata as ud
+
+BLOCKS = [(0x00C0, 0x0500), (0x1E00, 0x1F00)]
+NAMED_BASES = {"ETH": "D", "DOTLESS I": "I"}
+NAMED_EXPANSIONS = {"AE": "AE", "OE": "OE", "THORN": "TH", "SHARP S": "SS"}
+NAME = re.compile(r"LATIN (CAPITAL|SMALL) (?:LETTER|LIGATURE) (.+?)(?: WITH .*)?$")
+
+
+def lower(c):
+    text = chr(c).lower()
+    return ord(text) if len(text) == 1 else c
+
+
+def canonical_base(c):
+    while True:
+        decomposition = ud.decomposition(chr(c))
+        if not decomposition or decomposition.startswith("<"):
+            return c
+        c = int(decomposition.split()[0], 16)
+
+
+def compatibility_letters(c):
+    """The compatibility decomposition without combining marks, when it is ASCII letters."""
+    text = ud.normalize("NFKD", chr(c))
+    text = "".join(ch for ch in text if not ud.category(ch).startswith("M"))
+    return text if text.isascii() and text.isalpha() else ""
+
+
+def in_case(text, name_match):
+    return text if name_match.group(1) == "CAPITAL" else text.lower()
+
+
+def base(c):
+    if ud.category(chr(c)).startswith("M"):
+        return c
+    b = canonical_base(c)
+    if not ud.category(chr(c)).startswith("L"):
+        return b
+    letters = compatibility_letters(b)
+    if len(letters) == 1:
+        return ord(letters)
+    match = NAME.match(ud.name(chr(b), ""))
+    if match and not expansion(c):
+        word = match.group(2)
+        if len(word) == 1:
+            return ord(in_case(word, match))
+        if word in NAMED_BASES:
+            return ord(in_case(NAMED_BASES[word], match))
+    return b
+
+
+def expansion(c):
+    if not ud.category(chr(c)).startswith("L"):
+        return ""
+    b = canonical_base(c)
+    letters = compatibility_letters(b)
+    if len(letters) >= 2:
+        return letters
+    match = NAME.match(ud.name(chr(b), ""))
+    if match and match.group(2) in NAMED_EXPANSIONS:
+        return in_case(NAMED_EXPANSIONS[match.group(2)], match)
+    return ""
+
+
+def ranges(values):
+    """Runs of code points, stride 1 or 2, over which `values[c]` is the same; identity left out."""
+    left = dict(values)
+    out = []
+    for c in sorted(values):
+        if c not in left:
+            continue
+        best = [c]
+        for stride in (1, 2):
+            run = [c]
+            while run[-1] + stride in left and left[run[-1] + stride] == values[c]:
+                run.append(run[-1] + stride)
+            if len(run) > len(best):
+                best = run
+        for member in best:
+            del left[member]
+        stride = best[1] - best[0] if len(best) > 1 else 1
+        out.append((best[0], best[-1], stride, values[c]))
+    return out
+
+
+def rows(items, per_line):
+    lines = []
+    for i in range(0, len(items), per_line):
+        lines.append("    " + " ".join(items[i : i + per_line]))
+    return "\n".join(lines)
+
+
+def main():
+    points = [c for first, end in BLOCKS for c in range(first, end)]
+    deltas = {c: lower(c) - c for c in points if lower(c) != c}
+    bases = {c: base(c) for c in points if base(c) != c}
+    expansions = {c: expansion(c) for c in points if expansion(c)}
+
+    lower_rows = [f"{{0x{a:04X}, 0x{b:04X}, {s}, {d}}}," for a, b, s, d in ranges(deltas)]
+    base_rows = [f"{{0x{a:04X}, 0x{b:04X}, {s}, 0x{v:04X}}}," for a, b, s, v in ranges(bases)]
+    expansion_rows = [f'{{0x{c:04X}, "{e}"}},' for c, e in sorted(expansions.items())]
+    sys.stdout.write(
+        f"""// Generated by scripts/gen-text-folding.py from the Unicode character database
+// (unicodedata {ud.unidata_version}); do not edit. Ranges are {{first, last, stride, value}}.
+// clang-format off
+
+// Lower case: the code point plus the value.
+constexpr FoldRange kLowerRanges[] = {{
+{rows(lower_rows, 3)}
+}};
+
+// The base letter, same case, for diacritic-insensitive folding.
+constexpr FoldRange kBaseRanges[] = {{
+{rows(base_rows, 3)}
+}};
+
+// ASCII text that replaces the base letter.
+constexpr FoldExpansion kExpansions[] = {{
+{rows(expansion_rows, 4)}
+}};
+
+// clang-format on
+"""
+    )
+
+
+if __name__ == "__main__":
+    main()
