@@ -86,11 +86,12 @@ NextPageData TBDataManager::dataForService(const std::string& service,
                                            const std::string& method) {
     Answer answer;
     if (success) {
-        answer = [ignoreGeoRestricted, success, failure](const json& object) {
+        answer = [this, ignoreGeoRestricted, success, failure](const json& object) {
             deliverList<ItemPtr>(
                 object,
-                [ignoreGeoRestricted](const JSON& results) {
-                    return itemsFromResult(results, ignoreGeoRestricted);
+                [this, ignoreGeoRestricted](const JSON& results) {
+                    return itemsFromResult(results, ignoreGeoRestricted,
+                                           managedObjectContext().get());
                 },
                 success, failure);
         };
@@ -146,12 +147,14 @@ void TBDataManager::answerForService(const std::string& method,
                     std::move(failure));
 }
 
-std::vector<ItemPtr> TBDataManager::itemsFromResult(const JSON& result, bool ignoreGeoRestricted) {
+std::vector<ItemPtr> TBDataManager::itemsFromResult(const JSON& result,
+                                                    bool ignoreGeoRestricted,
+                                                    ObjectContext* shared) {
     std::vector<ItemPtr> items;
     for (const JSON& element : result.arrayValue()) {
         ItemPtr item = element["type"].stringValue() == kPlaylistType
-                           ? Item::parsePlaylistFrom(element)
-                           : Item::parseItemFrom(element, ignoreGeoRestricted);
+                           ? Item::parsePlaylistFrom(element, shared)
+                           : Item::parseItemFrom(element, ignoreGeoRestricted, shared);
         if (item) {
             items.push_back(std::move(item));
         }

@@ -91,7 +91,10 @@ class TBDataManager : public TBDataManagerStore {
     // Playlists (elements whose "type" is "playlist") through the playlist mapper, the rest
     // through the song mapper with the flag (true drops what is restricted in the
     // listener's country). Elements that don't map are skipped.
-    static std::vector<ItemPtr> itemsFromResult(const JSON& result, bool ignoreGeoRestricted);
+    // Album tracks are made in `shared` (the store's context; see Item::parseItemFrom).
+    static std::vector<ItemPtr> itemsFromResult(const JSON& result,
+                                                bool ignoreGeoRestricted,
+                                                ObjectContext* shared);
     static std::vector<ArtistPtr> artistsForResult(const JSON& result);
 
     // Lists.

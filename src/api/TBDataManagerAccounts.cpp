@@ -100,7 +100,7 @@ NextPageData TBDataManager::getNotifications(const std::optional<std::string>& p
     }
     TBJSONSuccess answer;
     if (success) {
-        answer = [success, failure](const JSON& response) {
+        answer = [this, success, failure](const JSON& response) {
             const JSON results = response["results"];
             if (!results.isArray()) {
                 if (failure) {
@@ -110,7 +110,8 @@ NextPageData TBDataManager::getNotifications(const std::optional<std::string>& p
             }
             std::vector<TBNotification> notifications;
             for (const JSON& entry : results.arrayValue()) {
-                if (auto notification = TBNotification::fromJSON(entry)) {
+                if (auto notification =
+                        TBNotification::fromJSON(entry, managedObjectContext().get())) {
                     notifications.push_back(std::move(*notification));
                 }
             }

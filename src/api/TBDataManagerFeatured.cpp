@@ -36,7 +36,7 @@ void TBDataManager::getFeaturedMusic() {
         [this](const JSON& response) {
             std::vector<TBFeaturedSpot> spots;
             for (const JSON& entry : response["results"].arrayValue()) {
-                TBFeaturedSpot spot = TBFeaturedSpot::fromJSON(entry);
+                TBFeaturedSpot spot = TBFeaturedSpot::fromJSON(entry, managedObjectContext().get());
                 if (spot.item || spot.artist) {
                     spots.push_back(std::move(spot));
                 }

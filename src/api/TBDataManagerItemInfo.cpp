@@ -19,7 +19,7 @@ constexpr const char* kFieldErrorsJoin = ".  ";
 
 // The item of an info read: the first of the mapped rows, or else "results" read as one
 // dictionary; restricted items are kept.
-ItemPtr infoItemOf(const std::vector<ItemPtr>& items, const JSON& response) {
+ItemPtr infoItemOf(const std::vector<ItemPtr>& items, const JSON& response, ObjectContext* shared) {
     if (!items.empty()) {
         return items.front();
     }
@@ -27,17 +27,19 @@ ItemPtr infoItemOf(const std::vector<ItemPtr>& items, const JSON& response) {
     if (!results.isDictionary()) {
         return nullptr;
     }
-    const auto mapped = TBDataManager::itemsFromResult(JSON(json::array({results.raw()})), false);
+    const auto mapped =
+        TBDataManager::itemsFromResult(JSON(json::array({results.raw()})), false, shared);
     return mapped.empty() ? nullptr : mapped.front();
 }
 
-TBItemsSuccess infoItemSuccess(TBItemSuccess success) {
+TBItemsSuccess infoItemSuccess(TBDataManager& manager, TBItemSuccess success) {
     if (!success) {
         return nullptr;
     }
-    return [success = std::move(success)](const std::vector<ItemPtr>& items,
-                                          const std::optional<std::string>&, const JSON& response) {
-        success(infoItemOf(items, response));
+    return [&manager, success = std::move(success)](const std::vector<ItemPtr>& items,
+                                                    const std::optional<std::string>&,
+                                                    const JSON& response) {
+        success(infoItemOf(items, response, manager.managedObjectContext().get()));
     };
 }
 
@@ -84,7 +86,7 @@ void TBDataManager::getAlbumInfoWithIdentifier(const std::string& identifier,
                                                TBItemSuccess success,
                                                TBFailureBlock failure) {
     dataForService(TBCataloguePaths::musicInfoPath("album", identifier), params, false,
-                   infoItemSuccess(std::move(success)), std::move(failure));
+                   infoItemSuccess(*this, std::move(success)), std::move(failure));
 }
 
 void TBDataManager::getSongInfoWithIdentifier(const std::string& identifier,
@@ -92,7 +94,7 @@ void TBDataManager::getSongInfoWithIdentifier(const std::string& identifier,
                                               TBItemSuccess success,
                                               TBFailureBlock failure) {
     dataForService(TBCataloguePaths::musicInfoPath("song", identifier), params, false,
-                   infoItemSuccess(std::move(success)), std::move(failure));
+                   infoItemSuccess(*this, std::move(success)), std::move(failure));
 }
 
 void TBDataManager::getPlaylistInfo(const std::string& identifier,
@@ -100,7 +102,7 @@ void TBDataManager::getPlaylistInfo(const std::string& identifier,
                                     TBItemSuccess success,
                                     TBFailureBlock failure) {
     dataForService("playlist/" + TBCataloguePaths::pathOf(identifier), params, false,
-                   infoItemSuccess(std::move(success)), std::move(failure));
+                   infoItemSuccess(*this, std::move(success)), std::move(failure));
 }
 
 void TBDataManager::getPlaylistCategoriesWithSuccess(TBJSONSuccess success,

@@ -44,7 +44,9 @@ void Artist::cacheObject(TBCoreDataManager& store) {
             context->deleteObject(row);
         }
     }
-    if (!isManaged()) {
+    if (isManaged()) {
+        didChange();  // the saved artist itself, with whatever was set on it
+    } else {
         EntityDescription::copyAttributes(*this, *context->insertNewObject<Artist>());
     }
     store.save(nullptr);

@@ -106,7 +106,7 @@ ItemPtr Item::newFrom(ObjectContext* context, const ItemPtr& item) {
     if (!context || !item) {
         return nullptr;
     }
-    auto copy = context->insertNewObject<Item>();
+    auto copy = context->makeObject<Item>();
     EntityDescription::copyAttributes(*item, *copy);
     return copy;
 }

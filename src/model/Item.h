@@ -37,14 +37,19 @@ struct Item final : ManagedObject, ItemAttributes {
     std::vector<ItemPtr> availableItems() const;
     std::vector<ItemPtr> availableTracks() const;
 
-    // A full copy of `item`: a new record of "Item" inserted into `context`, the app's one
-    // context (a row at the next save), with every stored attribute copied by name, nil
-    // values included. Nil without a context, or without an item.
+    // A full copy of `item`: a new record of "Item" made in `context`, the app's one context,
+    // with every stored attribute copied by name, nil values included. Like every record made
+    // while reading, it becomes a row only once it is changed (ObjectContext::makeObject).
+    // Nil without a context, or without an item.
     static ItemPtr newFrom(ObjectContext* context, const ItemPtr& item);
 
-    // The mappers. They never throw: malformed input gives nil.
-    static ItemPtr parseItemFrom(const JSON& json, bool ignoreGeoRestricted);
-    static ItemPtr parsePlaylistFrom(const JSON& json);
+    // The mappers. They never throw: malformed input gives nil. An album's tracks are made
+    // in `shared`, the app's one context, when it is given (see ObjectContext::makeObject:
+    // they become rows only when changed); without it every record is detached.
+    static ItemPtr parseItemFrom(const JSON& json,
+                                 bool ignoreGeoRestricted,
+                                 ObjectContext* shared = nullptr);
+    static ItemPtr parsePlaylistFrom(const JSON& json, ObjectContext* shared = nullptr);
 };
 
 }  // namespace tb

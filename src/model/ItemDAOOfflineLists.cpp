@@ -51,8 +51,13 @@ std::vector<std::string> ItemDAO::offlineIds() {
 std::optional<ItemDAO::Items> ItemDAO::offlinePlaylists(category::OfflineSorting sorting) {
     auto rows = fetch(offlinePlaylistsPredicate(), {sortDescriptorFor(sorting)});
     for (const auto& row : rows.value_or(Items{})) {
-        row->playlistTracksCount =
-            PlaylistTracks::playlistsTrackCount(saving_, row->itemID.value_or(""));
+        const auto count = PlaylistTracks::playlistsTrackCount(saving_, row->itemID.value_or(""));
+        // A stored field: written with the next save, but only when the count moved, so
+        // showing the list rewrites nothing.
+        if (row->playlistTracksCount != count) {
+            row->playlistTracksCount = count;
+            row->didChange();
+        }
     }
     return rows;
 }

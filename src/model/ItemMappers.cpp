@@ -7,6 +7,7 @@
 #include "model/Item.h"
 #include "model/MapperReadings.h"
 #include "model/TBUtil.h"
+#include "model/store/ObjectContext.h"
 #include "platform/JSON.h"
 
 namespace tb {
@@ -19,7 +20,7 @@ constexpr int kDeepestTracks = 8;
 
 using R = MapperReadings;
 
-ItemPtr parseSong(const JSON& json, bool ignoreGeoRestricted, int depth);
+ItemPtr parseSong(const JSON& json, bool ignoreGeoRestricted, int depth, ObjectContext* shared);
 
 std::string joinedIDs(const std::vector<ItemPtr>& entries) {
     std::string joined;
@@ -35,13 +36,14 @@ std::string joinedIDs(const std::vector<ItemPtr>& entries) {
 // The song mapper with the drop flag off for each element; what fails is left out.
 std::vector<ItemPtr> parsePlaylistTracks(const JSON& tracks,
                                          const std::string& parentID,
-                                         int depth) {
+                                         int depth,
+                                         ObjectContext* shared) {
     std::vector<ItemPtr> result;
     if (depth > kDeepestTracks) {
         return result;
     }
     for (const JSON& element : tracks.arrayValue()) {
-        ItemPtr track = parseSong(element, false, depth);
+        ItemPtr track = parseSong(element, false, depth, shared);
         if (!track) {
             continue;
         }
@@ -60,7 +62,7 @@ void setItems(Item& playlist, std::vector<ItemPtr> tracks) {
 
 // One element of an album's "tracks"; `position` counts from 1. An element without any id
 // can't be played or stored and is left out.
-ItemPtr parseAlbumTrack(const JSON& json, std::int64_t position) {
+ItemPtr parseAlbumTrack(const JSON& json, std::int64_t position, ObjectContext* shared) {
     std::string id = json["song_id"].stringValue();
     if (id.empty()) {
         id = json["id"].stringValue();
@@ -68,7 +70,7 @@ ItemPtr parseAlbumTrack(const JSON& json, std::int64_t position) {
     if (id.empty()) {
         return nullptr;
     }
-    auto track = std::make_shared<Item>();
+    auto track = shared ? shared->makeObject<Item>() : std::make_shared<Item>();
     track->isAlbumTrack = true;
     track->itemID = id;
     track->title = json["title"].string();
@@ -115,12 +117,12 @@ void inheritFromAlbum(Item& track, const Item& album) {
     track.uploaderTwitter = album.uploaderTwitter;
 }
 
-void readAlbumTracks(Item& album, const JSON& tracks) {
+void readAlbumTracks(Item& album, const JSON& tracks, ObjectContext* shared) {
     std::vector<ItemPtr> result;
     std::int64_t position = 0;
     for (const JSON& element : tracks.arrayValue()) {
         ++position;
-        if (ItemPtr track = parseAlbumTrack(element, position)) {
+        if (ItemPtr track = parseAlbumTrack(element, position, shared)) {
             inheritFromAlbum(*track, album);
             result.push_back(std::move(track));
         }
@@ -154,7 +156,7 @@ void readRepostAndState(Item& item, const JSON& json) {
     item.georestricted = json["geo_restricted"].boolValue();
 }
 
-ItemPtr parseSong(const JSON& json, bool ignoreGeoRestricted, int depth) {
+ItemPtr parseSong(const JSON& json, bool ignoreGeoRestricted, int depth, ObjectContext* shared) {
     auto item = std::make_shared<Item>();
     const std::string id = json["id"].stringValue();
     if (id.empty()) {
@@ -191,9 +193,9 @@ ItemPtr parseSong(const JSON& json, bool ignoreGeoRestricted, int depth) {
     item->ampDuration = R::integerFromText(json["amp_duration"]);
 
     if (item->itemType() == ItemType::playlist) {
-        setItems(*item, parsePlaylistTracks(json["tracks"], id, depth + 1));
+        setItems(*item, parsePlaylistTracks(json["tracks"], id, depth + 1, shared));
     } else if (item->itemType() == ItemType::album) {
-        readAlbumTracks(*item, json["tracks"]);
+        readAlbumTracks(*item, json["tracks"], shared);
     }
 
     R::readStatistics(*item, json);
@@ -208,11 +210,11 @@ ItemPtr parseSong(const JSON& json, bool ignoreGeoRestricted, int depth) {
 
 }  // namespace
 
-ItemPtr Item::parseItemFrom(const JSON& json, bool ignoreGeoRestricted) {
-    return parseSong(json, ignoreGeoRestricted, 0);
+ItemPtr Item::parseItemFrom(const JSON& json, bool ignoreGeoRestricted, ObjectContext* shared) {
+    return parseSong(json, ignoreGeoRestricted, 0, shared);
 }
 
-ItemPtr Item::parsePlaylistFrom(const JSON& json) {
+ItemPtr Item::parsePlaylistFrom(const JSON& json, ObjectContext* shared) {
     const std::string id = json["id"].stringValue();
     if (id.empty()) {
         return nullptr;
@@ -250,7 +252,7 @@ ItemPtr Item::parsePlaylistFrom(const JSON& json) {
     item->privatePlaylist = R::isYes(json["private"]);
     item->created = R::dateText(json["created"]);
     item->lastUpdated = R::dateText(json["updated"]);
-    setItems(*item, parsePlaylistTracks(json["tracks"], id, 1));
+    setItems(*item, parsePlaylistTracks(json["tracks"], id, 1, shared));
 
     R::readStatistics(*item, json);
     item->repostArtistName = json["repost_artist"]["name"].string();

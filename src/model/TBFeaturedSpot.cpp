@@ -27,7 +27,7 @@ std::size_t hashOf(const std::optional<std::string>& text) {
 
 }  // namespace
 
-TBFeaturedSpot TBFeaturedSpot::fromJSON(const JSON& json) {
+TBFeaturedSpot TBFeaturedSpot::fromJSON(const JSON& json, ObjectContext* shared) {
     TBFeaturedSpot spot;
     spot.type = json["type"].string();
     const JSON ref = json["ref"];
@@ -35,9 +35,9 @@ TBFeaturedSpot TBFeaturedSpot::fromJSON(const JSON& json) {
     if (!refType.exists() || refType.stringValue() == "artist") {
         spot.artist = Artist::parseFrom(ref);
     } else if (refType.stringValue() == "playlist") {
-        spot.item = Item::parsePlaylistFrom(ref);
+        spot.item = Item::parsePlaylistFrom(ref, shared);
     } else {
-        spot.item = Item::parseItemFrom(ref, true);
+        spot.item = Item::parseItemFrom(ref, true, shared);
     }
     return spot;
 }

@@ -10,6 +10,7 @@
 namespace tb {
 
 class JSON;
+class ObjectContext;
 
 // One promoted entry of the "featured" answer: music (`item`) or an account (`artist`).
 struct TBFeaturedSpot {
@@ -20,7 +21,8 @@ struct TBFeaturedSpot {
     // Reads "type" and the entry at "ref": an artist when "ref" "type" is "artist" or absent,
     // a playlist when it is "playlist", otherwise a song or album, dropped when restricted in
     // the listener's country. A spot with neither item nor artist is for the caller to drop.
-    static TBFeaturedSpot fromJSON(const JSON& json);
+    // Album tracks are made in `shared` when given.
+    static TBFeaturedSpot fromJSON(const JSON& json, ObjectContext* shared = nullptr);
 
     // The label shown over the spot: the localised "artist" word for an account; the spot's
     // `type` for a playlist; otherwise "<type> <album or song>", upper-cased.

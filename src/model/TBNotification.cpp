@@ -36,11 +36,11 @@ TBNotificationVerb verbOf(const JSON& json) {
 
 // The music a notification points at: a playlist through the playlist mapper, anything else
 // through the song mapper, restricted music included (the notification happened anyway).
-ItemPtr musicOf(const JSON& json) {
+ItemPtr musicOf(const JSON& json, ObjectContext* shared) {
     if (json["type"].stringValue() == "playlist") {
-        return Item::parsePlaylistFrom(json);
+        return Item::parsePlaylistFrom(json, shared);
     }
-    return Item::parseItemFrom(json, false);
+    return Item::parseItemFrom(json, false, shared);
 }
 
 void addCommentEntry(std::map<std::string, std::string>& entries,
@@ -56,7 +56,7 @@ void addCommentEntry(std::map<std::string, std::string>& entries,
 
 }  // namespace
 
-std::optional<TBNotification> TBNotification::fromJSON(const JSON& json) {
+std::optional<TBNotification> TBNotification::fromJSON(const JSON& json, ObjectContext* shared) {
     const TBNotificationVerb verb = verbOf(json);
     if (verb == TBNotificationVerb::unknown) {
         return std::nullopt;
@@ -76,21 +76,21 @@ std::optional<TBNotification> TBNotification::fromJSON(const JSON& json) {
         case TBNotificationVerb::favorite:
         case TBNotificationVerb::reup:
         case TBNotificationVerb::playlistFavorite:
-            notification.object = musicOf(json["object"]);
+            notification.object = musicOf(json["object"], shared);
             break;
         case TBNotificationVerb::playlisted:
-            notification.object = musicOf(json["object"]);
-            notification.target = musicOf(json["target"]);
+            notification.object = musicOf(json["object"], shared);
+            notification.target = musicOf(json["target"], shared);
             break;
         case TBNotificationVerb::playlistUpdated:
-            notification.target = musicOf(json["target"]);
+            notification.target = musicOf(json["target"], shared);
             break;
         case TBNotificationVerb::comment:
         case TBNotificationVerb::reply: {
             const JSON context = json["extra_context"];
             addCommentEntry(notification.commentDict, context, "comment");
             addCommentEntry(notification.commentDict, context, "parent");
-            notification.object = musicOf(json["object"]);
+            notification.object = musicOf(json["object"], shared);
             break;
         }
         default:  // a follow carries only its actor

@@ -12,6 +12,7 @@
 namespace tb {
 
 class JSON;
+class ObjectContext;
 
 // One entry of the listener's notifications.
 struct TBNotification {
@@ -25,8 +26,9 @@ struct TBNotification {
     // its description, an object or array as its compact JSON text.
     std::map<std::string, std::string> commentDict;
 
-    // Nil unless "verb" is one the app knows.
-    static std::optional<TBNotification> fromJSON(const JSON& json);
+    // Nil unless "verb" is one the app knows. Album tracks are made in `shared` when given.
+    static std::optional<TBNotification> fromJSON(const JSON& json,
+                                                  ObjectContext* shared = nullptr);
 };
 
 }  // namespace tb

@@ -38,6 +38,8 @@ TEST_F(DebugExportTest, ExportTextHasOneLinePerCachedListRowNewestFirst) {
     auto noDate = insertRow(song("my song"));
     noDate->type.reset();
     insertRow(playlist("list", {}));  // not in the list
+    newer->didChange();
+    noDate->didChange();
     store().save();
 
     EXPECT_EQ(dao().debugExportText(),

@@ -42,7 +42,7 @@ TEST_F(ItemCopyAndSavedArtistTest, NewFromCopiesEveryStoredFieldIntoANewRecordOf
     const ItemPtr copy = Item::newFrom(saving().context(), original);
     ASSERT_TRUE(copy);
     EXPECT_NE(copy, original);
-    EXPECT_TRUE(copy->isInserted());
+    EXPECT_TRUE(copy->isManaged());
     EXPECT_FALSE(original->isManaged());
     EXPECT_EQ(RecordJson::object(*copy), RecordJson::object(*original));
     EXPECT_EQ(copy->tracks.size(), 3u);
@@ -52,8 +52,11 @@ TEST_F(ItemCopyAndSavedArtistTest, NewFromCopiesEveryStoredFieldIntoANewRecordOf
     copy->title = "Changed";
     EXPECT_EQ(original->title, "Tidal Maps");
 
-    // It becomes a row with the next save, and not before.
+    // It becomes a row with the first save after it was changed, and not before.
+    saving().save(nullptr);
     EXPECT_THAT(savedColumn("Item", "itemID"), IsEmpty());
+    copy->title = "Tidal Maps";
+    copy->didChange();
     saving().save(nullptr);
     EXPECT_THAT(savedColumn("Item", "itemID"), ElementsAre("al-900"));
     EXPECT_THAT(savedColumn("Item", "georestricted"), ElementsAre("1"));

@@ -253,6 +253,7 @@ TEST_F(ItemDAOQueriesTest, APlaylistIsCompleteWhenItsListedTracksAreAndNeverWith
     insertRow(downloadedSong("t2", true));
     auto list = insertRow(playlist("list", {}));
     list->downloaded = true;
+    list->didChange();
     store().save();
 
     EXPECT_FALSE(dao().isPlaylistFullyDownloaded(list));  // no entries

@@ -126,7 +126,11 @@ void EntityDescription::copyAttributes(const ManagedObject& from, ManagedObject&
         }
         FieldOps::copy(fromAttribute, value, toAttribute, toAttribute.field(to));
     }
-    to.didChange();  // a row's record copied into is written by the next save
+    // A row's record copied into is written by the next save. A record still being made
+    // while reading (see ObjectContext::makeObject) is not changed by being filled in.
+    if (!to.isProvisional()) {
+        to.didChange();
+    }
 }
 
 }  // namespace tb

@@ -15,7 +15,7 @@ class ObjectContext;
 // store's bookkeeping. A record made by `new`/make_shared belongs to no context (detached);
 // records that a context fetched or inserted belong to it; a copy of a record is always
 // detached.
-class ManagedObject {
+class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
   public:
     virtual ~ManagedObject();
 
@@ -28,6 +28,9 @@ class ManagedObject {
     bool isDeleted() const { return (flags_ & kDeleted) != 0; }
     // True when the record was inserted into its context and not saved yet.
     bool isInserted() const { return (flags_ & kInserted) != 0; }
+    // True when the record was made in its context while reading (ObjectContext::makeObject)
+    // and has not been changed since: it is no row, and becomes none unless it is changed.
+    bool isProvisional() const { return (flags_ & kProvisional) != 0; }
 
     // Tells the record's context that fields of this record were set, so that its next save
     // writes them (and fetches until then see them). Records are plain structs: the context
@@ -39,15 +42,17 @@ class ManagedObject {
 
   protected:
     ManagedObject() = default;
-    ManagedObject(const ManagedObject&) noexcept {}  // copies are detached
+    ManagedObject(const ManagedObject&) noexcept
+        : std::enable_shared_from_this<ManagedObject>() {}  // copies are detached
     ManagedObject& operator=(const ManagedObject&) noexcept { return *this; }
 
   private:
     friend class RecordState;
     static constexpr std::uint8_t kInserted = 1;
     static constexpr std::uint8_t kDeleted = 2;
-    static constexpr std::uint8_t kPartial = 4;  // fetched with some properties only
-    static constexpr std::uint8_t kChanged = 8;  // named as changed since the last save
+    static constexpr std::uint8_t kPartial = 4;       // fetched with some properties only
+    static constexpr std::uint8_t kChanged = 8;       // named as changed since the last save
+    static constexpr std::uint8_t kProvisional = 16;  // made in the context, not inserted
 
     // The store's bookkeeping, read and written by the context on the main queue only. The
     // record's destructor touches none of it, so the last reference may go on any thread.

@@ -11,10 +11,12 @@
 #include "model/store/FetchExecutor.h"
 #include "model/store/IdentityMap.h"
 #include "model/store/PersistentStoreCoordinator.h"
+#include "model/store/ProvisionalRecords.h"
 #include "model/store/RecordState.h"
 #include "model/store/SaveWriter.h"
 #include "model/store/SqliteError.h"
 #include "model/store/StoreConnection.h"
+#include "model/store/UnmarkedChangeCheck.h"
 #include "platform/Fatal.h"
 
 namespace tb {
@@ -44,11 +46,12 @@ bool affects(const ChangeTracker& changes, const EntityDescription& entity) {
 }  // namespace
 
 struct ObjectContext::Impl {
-    Impl(ObjectContext& owner, std::shared_ptr<PersistentStoreCoordinator> coordinator)
-        : connection(std::move(coordinator)),
+    Impl(ObjectContext& context, std::shared_ptr<PersistentStoreCoordinator> coordinator)
+        : owner(context),
+          connection(std::move(coordinator)),
           entities(connection.coordinator()->managedObjectModel()),
           identities(entities.size()),
-          fetcher(owner, connection, entities, identities),
+          fetcher(context, connection, entities, identities),
           writer(connection, entities) {}
 
     void checkThread() const {
@@ -134,6 +137,7 @@ struct ObjectContext::Impl {
             },
             error);
         for (auto& record : records) {
+            marks.remember(record);
             sink.add(std::move(record));
         }
         return ok;
@@ -171,6 +175,9 @@ struct ObjectContext::Impl {
     }
 
     bool save(Error* error) {
+        if (marks.enabled()) {
+            marks.verify(owner);
+        }
         if (!connect(error)) {
             return false;
         }
@@ -203,9 +210,11 @@ struct ObjectContext::Impl {
             RecordState::setRowID(record, written.insertedRows[i]);
             RecordState::clear(record, RecordState::kInserted);
             identities.add(entities.of(record).index, written.insertedRows[i], saved.inserts[i]);
+            marks.refresh(saved.inserts[i]);
         }
         for (const auto& record : saved.updates) {
             RecordState::clear(*record, RecordState::kChanged);
+            marks.refresh(record);
         }
         for (const auto& fields : written.partialFields) {
             auto& partial = RecordState::partial(*fields.record);
@@ -226,6 +235,7 @@ struct ObjectContext::Impl {
     }
 
     void rollback() {
+        marks.clear();  // changed records are read back from their rows
         ChangeTracker::Pending pending = changes.take();
         for (const auto& record : pending.inserts) {
             RecordState::detach(*record);
@@ -259,7 +269,18 @@ struct ObjectContext::Impl {
         }
     }
 
+    // A new record of the entity, belonging to this context and tracked nowhere yet.
+    std::shared_ptr<ManagedObject> adopt(const EntityDescription& entity) {
+        checkThread();
+        entities.of(entity);  // the entity must be the model's
+        std::shared_ptr<ManagedObject> record = entity.makeRecord();
+        RecordState::setContext(*record, &owner);
+        return record;
+    }
+
     void reset() {
+        marks.finish();
+        provisional.detachAll();
         ChangeTracker::Pending pending = changes.take();
         for (const auto& record : pending.inserts) {
             RecordState::detach(*record);
@@ -270,10 +291,13 @@ struct ObjectContext::Impl {
         forgetRows();
     }
 
+    ObjectContext& owner;
     StoreConnection connection;
     ContextEntities entities;
     IdentityMap identities;
     ChangeTracker changes;
+    ProvisionalRecords provisional;
+    UnmarkedChangeCheck marks;
     FetchExecutor fetcher;
     SaveWriter writer;
     std::thread::id maker = std::this_thread::get_id();
@@ -327,11 +351,15 @@ std::shared_ptr<ManagedObject> ObjectContext::insertNewObjectForEntityForName(
 }
 
 std::shared_ptr<ManagedObject> ObjectContext::insert(const EntityDescription& entity) {
-    impl_->checkThread();
-    impl_->entities.of(entity);  // the entity must be the model's
-    std::shared_ptr<ManagedObject> record = entity.makeRecord();
-    RecordState::setContext(*record, this);
+    std::shared_ptr<ManagedObject> record = impl_->adopt(entity);
     impl_->changes.inserted(record);
+    return record;
+}
+
+std::shared_ptr<ManagedObject> ObjectContext::makeObject(const EntityDescription& entity) {
+    std::shared_ptr<ManagedObject> record = impl_->adopt(entity);
+    RecordState::set(*record, RecordState::kProvisional);
+    impl_->provisional.add(record);
     return record;
 }
 
@@ -340,7 +368,7 @@ void ObjectContext::deleteObject(const std::shared_ptr<ManagedObject>& record) {
     if (!record || RecordState::context(*record) != this || record->isDeleted()) {
         return;
     }
-    if (record->isInserted()) {
+    if (record->isInserted() || record->isProvisional()) {
         impl_->changes.dropInserted(*record);
         RecordState::detach(*record);
         RecordState::set(*record, RecordState::kDeleted);
@@ -354,6 +382,12 @@ void ObjectContext::objectDidChange(ManagedObject& record) {
     constexpr auto kTracked =
         RecordState::kInserted | RecordState::kDeleted | RecordState::kChanged;
     if (RecordState::context(record) != this || RecordState::has(record, kTracked)) {
+        return;
+    }
+    if (record.isProvisional()) {
+        RecordState::clear(record, RecordState::kProvisional);
+        RecordState::set(record, RecordState::kInserted);
+        impl_->changes.inserted(record.shared_from_this());
         return;
     }
     auto held =
@@ -396,7 +430,7 @@ void ObjectContext::reset() {
 std::size_t ObjectContext::registeredObjectCount() const {
     impl_->checkThread();
     impl_->identities.sweep();
-    return impl_->identities.size() + impl_->changes.inserts().size();
+    return impl_->identities.size() + impl_->changes.inserts().size() + impl_->provisional.size();
 }
 
 }  // namespace tb

@@ -75,6 +75,16 @@ class ObjectContext {
         return std::static_pointer_cast<T>(insert(T::entityDescription()));
     }
 
+    // A new record of the entity that belongs to this context without being inserted: what
+    // the app makes while reading (an album's tracks, a queue restored from the bookmarks).
+    // A change to it (didChange) makes it a pending insert, a row at the next save; one that
+    // is let go unchanged leaves nothing behind, so reading never grows the store.
+    std::shared_ptr<ManagedObject> makeObject(const EntityDescription& entity);
+    template <class T>
+    std::shared_ptr<T> makeObject() {
+        return std::static_pointer_cast<T>(makeObject(T::entityDescription()));
+    }
+
     // Marks the record's row for deletion at the next save. Records of no context (or of
     // another) are ignored.
     void deleteObject(const std::shared_ptr<ManagedObject>& record);
@@ -97,7 +107,8 @@ class ObjectContext {
     // Forgets every record: pending changes are dropped and all records become detached.
     void reset();
 
-    // Records the context knows now (held by someone, or kept for their changes, or inserted).
+    // Records the context knows now (held by someone, or kept for their changes, inserted, or
+    // made here and still unchanged).
     std::size_t registeredObjectCount() const;
 
     class ResultSink {

@@ -17,6 +17,7 @@ class RecordState {
     static constexpr std::uint8_t kDeleted = ManagedObject::kDeleted;
     static constexpr std::uint8_t kPartial = ManagedObject::kPartial;
     static constexpr std::uint8_t kChanged = ManagedObject::kChanged;
+    static constexpr std::uint8_t kProvisional = ManagedObject::kProvisional;
 
     static ObjectContext* context(const ManagedObject& record) { return record.context_; }
     static void setContext(ManagedObject& record, ObjectContext* context) {
@@ -40,7 +41,7 @@ class RecordState {
     static void detach(ManagedObject& record) {
         record.context_ = nullptr;
         record.rowID_ = 0;
-        clear(record, kInserted | kPartial | kChanged);
+        clear(record, kInserted | kPartial | kChanged | kProvisional);
         record.partialSnapshot_.clear();
     }
 };

@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -238,6 +239,27 @@ TEST(ObjectContextDeathTest, TheContextIsUsedOnTheThreadThatMadeItOnly) {
     EXPECT_DEATH(std::thread([&] { store.context().hasChanges(); }).join(),
                  "used off the main queue");
 #endif
+}
+
+// A writer that forgets to mark its record would lose the change without a word; with the
+// check on (debug builds, and every test run), the process stops instead. Marking it after
+// another save, as a writer of several records may, is still in time.
+TEST(ObjectContextDeathTest, AChangeThatIsNeverMarkedStopsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    ::setenv("TB_STORE_CHECK_MARKS", "1", 1);
+    auto forget = [](bool markLate) {
+        StoreFixture store;
+        store.saveItem("1", "One");
+        auto item = store.context().fetch<Item>(byID("1"))->front();
+        item->title = "Late";
+        store.saveItem("2", "Two");  // another writer's save meets the unmarked change
+        if (markLate) {
+            item->didChange();
+            ASSERT_TRUE(store.context().save());
+        }
+    };
+    forget(true);
+    EXPECT_DEATH(forget(false), "changed without didChange");
 }
 
 }  // namespace
