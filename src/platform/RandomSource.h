@@ -17,11 +17,4 @@ class RandomSource {
     virtual std::uint64_t secureUniform(std::uint64_t upperBound) = 0;
 };
 
-// The system's generators (getrandom on Linux).
-class SystemRandomSource final : public RandomSource {
-  public:
-    std::uint32_t uniform(std::uint32_t upperBound) override;
-    std::uint64_t secureUniform(std::uint64_t upperBound) override;
-};
-
 }  // namespace tb

@@ -9,7 +9,7 @@
 #include "api/XAuthSigner.h"
 #include "platform/Clock.h"
 #include "platform/HttpTransport.h"
-#include "platform/RandomSource.h"
+#include "platform/linux/SystemRandomSource.h"
 #include "support/ServiceProcess.h"
 #include "support/TempDir.h"
 

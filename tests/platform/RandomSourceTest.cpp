@@ -1,7 +1,7 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/RandomSource.h"
+#include "platform/linux/SystemRandomSource.h"
 
 #include <gtest/gtest.h>
 

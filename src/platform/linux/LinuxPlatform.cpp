@@ -7,7 +7,6 @@
 #include "platform/Clock.h"
 #include "platform/ExternalSdks.h"
 #include "platform/Log.h"
-#include "platform/RandomSource.h"
 #include "platform/Reachability.h"
 #include "platform/RunLoop.h"
 #include "platform/linux/CurlHttpTransport.h"
@@ -17,6 +16,7 @@
 #include "platform/linux/JsonLinesExternalSdks.h"
 #include "platform/linux/LinuxReachability.h"
 #include "platform/linux/MakeKeychainStore.h"
+#include "platform/linux/SystemRandomSource.h"
 #include "platform/linux/TerminalUIHost.h"
 
 namespace tb {

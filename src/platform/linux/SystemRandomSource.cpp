@@ -1,4 +1,4 @@
-#include "platform/RandomSource.h"
+#include "platform/linux/SystemRandomSource.h"
 
 #include <cerrno>
 #include <cstddef>
