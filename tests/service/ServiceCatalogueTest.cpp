@@ -1,7 +1,6 @@
 #include <set>
 
 #include "service/ServiceFixture.h"
-#include "support/ServiceCall.h"
 #include "tunebrook-service/Service.h"
 #include "tunebrook-service/ServiceContext.h"
 
@@ -9,14 +8,6 @@ namespace tb::test {
 namespace {
 
 using Scheme = ServiceFixture::Scheme;
-
-std::set<std::string> ids(const nlohmann::json& results) {
-    std::set<std::string> out;
-    for (const auto& item : results) {
-        out.insert(idText(item["id"]));
-    }
-    return out;
-}
 
 class ServiceCatalogueTest : public ServiceFixture {};
 
@@ -36,8 +27,8 @@ TEST_F(ServiceCatalogueTest, ChartsPageThroughDistinctRowsUntilAnEmptyPage) {
     ASSERT_EQ(first.status, 200);
     ASSERT_EQ(first.json["results"].size(), 20u);
     ASSERT_EQ(second.json["results"].size(), 20u);
-    auto a = ids(first.json["results"]);
-    for (const auto& id : ids(second.json["results"])) {
+    auto a = idSet(first.json["results"], true);
+    for (const auto& id : idSet(second.json["results"], true)) {
         EXPECT_FALSE(a.count(id)) << id;
     }
     auto far = call("GET", "chart/songs/total", {{"page", "500"}});
