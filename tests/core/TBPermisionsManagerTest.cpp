@@ -41,10 +41,8 @@ TEST_F(TBPermisionsManagerTest, AnUnknownStoredAnswerCountsAsNone) {
     EXPECT_TRUE(permissions.shouldPrompt());
 }
 
-TEST_F(TBPermisionsManagerTest, LinuxHasNoPushOrLocationUnlessGranted) {
+TEST_F(TBPermisionsManagerTest, LinuxHasNoPushOrLocation) {
     EXPECT_FALSE(permissions.pushGranted());
-    permissions.setPushGranted(true);
-    EXPECT_TRUE(TBPermisionsManager::sharedInstance().pushGranted());
 
     auto& location = LocationManager::shared();
     location.updateLocation();

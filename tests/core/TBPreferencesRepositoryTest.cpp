@@ -84,36 +84,32 @@ TEST_F(TBPreferencesRepositoryTest, TheRetiredGenreIsRenamedForGoodAtItsFirstRea
 }
 
 TEST_F(TBPreferencesRepositoryTest, EachTooltipShowsUntilItsSetterRunsAndStaysAtOne) {
+    using Repo = TBPreferencesRepository;
     struct Tooltip {
         const char* key;
-        bool (TBPreferencesRepository::*shouldShow)() const;
-        void (TBPreferencesRepository::*setShown)();
+        bool (Repo::*shouldShow)() const;
+        void (Repo::*setShown)();
     };
     const Tooltip tooltips[] = {
-        {"miniplayerTooltipShownCount", &TBPreferencesRepository::shouldShowMiniplayerTooltip,
-         &TBPreferencesRepository::setMiniplayerTooltipShown},
-        {"suggestedFollowsShownCount", &TBPreferencesRepository::shouldShowSuggestedFollowsTooltip,
-         &TBPreferencesRepository::setSuggestedFollowsTooltipShown},
-        {"playerPlaylistTooltipShownCount",
-         &TBPreferencesRepository::shouldShowPlayerPlaylistTooltip,
-         &TBPreferencesRepository::setPlayerPlaylistTooltipShown},
-        {"playerQueueTooltipShownCount", &TBPreferencesRepository::shouldShowPlayerQueueTooltip,
-         &TBPreferencesRepository::setPlayerQueueTooltipShown},
-        {"playerScrollDownTooltip", &TBPreferencesRepository::shouldShowPlayerScrollDownTooltip,
-         &TBPreferencesRepository::setPlayerScrollDownTooltipShown},
-        {"playerEQTooltip", &TBPreferencesRepository::shouldShowPlayerEQTooltip,
-         &TBPreferencesRepository::setPlayerEQTooltipShown},
-        {"playlistShuffleTooltipShownCount",
-         &TBPreferencesRepository::shouldShowPlaylistShuffleTooltip,
-         &TBPreferencesRepository::setPlaylistShuffleTooltipShown},
-        {"playlistDownloadTooltipShownCount",
-         &TBPreferencesRepository::shouldShowPlaylistDownloadTooltip,
-         &TBPreferencesRepository::setPlaylistDownloadTooltipShown},
-        {"albumFavoriteTooltipShownCount", &TBPreferencesRepository::shouldShowAlbumFavoriteTooltip,
-         &TBPreferencesRepository::setAlbumFavoriteTooltipShown},
-        {"queueAddToPlaylistTooltipShownCount",
-         &TBPreferencesRepository::shouldShowQueueAddToPlaylistTooltip,
-         &TBPreferencesRepository::setQueueAddToPlaylistTooltipShown},
+        {"miniplayerTooltipShownCount", &Repo::shouldShowMiniplayerTooltip,
+         &Repo::setMiniplayerTooltipShown},
+        {"suggestedFollowsShownCount", &Repo::shouldShowSuggestedFollowsTooltip,
+         &Repo::setSuggestedFollowsTooltipShown},
+        {"playerPlaylistTooltipShownCount", &Repo::shouldShowPlayerPlaylistTooltip,
+         &Repo::setPlayerPlaylistTooltipShown},
+        {"playerQueueTooltipShownCount", &Repo::shouldShowPlayerQueueTooltip,
+         &Repo::setPlayerQueueTooltipShown},
+        {"playerScrollDownTooltip", &Repo::shouldShowPlayerScrollDownTooltip,
+         &Repo::setPlayerScrollDownTooltipShown},
+        {"playerEQTooltip", &Repo::shouldShowPlayerEQTooltip, &Repo::setPlayerEQTooltipShown},
+        {"playlistShuffleTooltipShownCount", &Repo::shouldShowPlaylistShuffleTooltip,
+         &Repo::setPlaylistShuffleTooltipShown},
+        {"playlistDownloadTooltipShownCount", &Repo::shouldShowPlaylistDownloadTooltip,
+         &Repo::setPlaylistDownloadTooltipShown},
+        {"albumFavoriteTooltipShownCount", &Repo::shouldShowAlbumFavoriteTooltip,
+         &Repo::setAlbumFavoriteTooltipShown},
+        {"queueAddToPlaylistTooltipShownCount", &Repo::shouldShowQueueAddToPlaylistTooltip,
+         &Repo::setQueueAddToPlaylistTooltipShown},
     };
     for (const auto& tooltip : tooltips) {
         EXPECT_TRUE((preferences.*tooltip.shouldShow)()) << tooltip.key;

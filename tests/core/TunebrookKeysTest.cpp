@@ -125,9 +125,6 @@ TEST_F(TunebrookKeysTest, TheWebHostIsTheNamedOneElseTheOriginOfTheLiveService) 
     EXPECT_EQ(TBLinks::webHostFor(options, keys), "https://www.tunebrook.test");
 
     const TBLinks links(TBLinks::webHostFor(options, keys), keys.appleAppIdWithoutId());
-    EXPECT_EQ(links.contactUs, "https://www.tunebrook.test/contact-us");
-    EXPECT_EQ(links.privacyPolicy, "https://www.tunebrook.test/privacy-policy");
-    EXPECT_EQ(links.termsOfService, "https://www.tunebrook.test/about/terms-of-service");
     EXPECT_EQ(links.dashboard, "https://www.tunebrook.test/dashboard");
     EXPECT_EQ(links.rating, links.appStore + "?action=write-review");
     EXPECT_NE(links.appStore.find("test-appleAppIdWithoutId"), std::string::npos);

@@ -47,7 +47,6 @@ class CurlHttpTransportTest : public ::testing::Test {
         server_.Post("/echo", echo);
         server_.Put("/echo", echo);
         server_.Delete("/echo", echo);
-        server_.Get("/echo", echo);
         server_.Get("/redirect", [](const httplib::Request&, httplib::Response& response) {
             response.set_redirect("/hello");
         });

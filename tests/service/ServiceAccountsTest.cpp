@@ -4,6 +4,8 @@
 namespace tb::test {
 namespace {
 
+using Scheme = ServiceFixture::Scheme;
+
 class ServiceAccountsTest : public ServiceFixture {
   protected:
     Answer social(const ServiceTestSigner::Params& params) {
@@ -111,7 +113,10 @@ TEST_F(ServiceAccountsTest, AnExpiredTokenIsRefusedUntilTheNextLogin) {
     EXPECT_EQ(call("GET", "user").status, 200);
 }
 
-TEST_F(ServiceAccountsTest, UserPathsNeedAToken) {
+TEST_F(ServiceAccountsTest, UnsignedCallsAndUserPathsWithoutATokenAreRefused) {
+    auto unsigned_ = call("GET", "featured", {}, Scheme::none);
+    EXPECT_EQ(unsigned_.status, 401);
+    EXPECT_TRUE(unsigned_.json["errorcode"].is_number() && unsigned_.json.contains("message"));
     EXPECT_EQ(call("GET", "user").status, 401);
     EXPECT_EQ(call("GET", "user/feed").status, 401);
     EXPECT_EQ(call("POST", "user/downloads", {{"music_id", "1"}}).status, 401);
