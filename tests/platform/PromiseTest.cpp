@@ -94,30 +94,23 @@ TEST_F(PromiseTest, AStepCanRejectByReturningARejectedPromise) {
     EXPECT_EQ(caught->code, 9);
 }
 
-TEST_F(PromiseTest, CatchLeavesFulfilledValuesAloneAndRecoverPassesThemOn) {
+// Catch leaves a value alone and recover passes it on; ensure and finally run on both
+// outcomes, and ensure keeps the outcome.
+TEST_F(PromiseTest, CatchRecoverEnsureAndFinallyOnBothOutcomes) {
     bool caught = false;
-    bool chainOver = false;
-    auto fulfilled = Promise<int>::fulfilled(queue, 3);
-    fulfilled.catch_([&](const Error&) { caught = true; }).finally([&] { chainOver = true; });
-    auto recovered = fulfilled.recover([](const Error&) { return 0; });
-    queue.runUntilIdle();
-
-    EXPECT_FALSE(caught);
-    EXPECT_TRUE(chainOver);
-    EXPECT_EQ(recovered.result()->value, 3);
-}
-
-TEST_F(PromiseTest, EnsureAndFinallyRunOnBothOutcomesAndEnsureKeepsTheOutcome) {
     int ensured = 0;
     int finals = 0;
     auto good = Promise<int>::fulfilled(queue, 4).ensure([&] { ++ensured; });
     auto bad = Promise<int>::rejected(queue, failure(2)).ensure([&] { ++ensured; });
-    good.finally([&] { ++finals; });
+    good.catch_([&](const Error&) { caught = true; }).finally([&] { ++finals; });
     bad.finally([&] { ++finals; });
+    auto recovered = good.recover([](const Error&) { return 0; });
     queue.runUntilIdle();
 
+    EXPECT_FALSE(caught);
     EXPECT_EQ(ensured, 2);
     EXPECT_EQ(finals, 2);
+    EXPECT_EQ(recovered.result()->value, 4);
     EXPECT_EQ(good.result()->value, 4);
     ASSERT_TRUE(bad.result()->error);
     EXPECT_EQ(bad.result()->error->code, 2);
