@@ -187,16 +187,14 @@ TEST(JSONTest, ContainersAndCount) {
     EXPECT_EQ(json["missing"].count(), 0u);
 }
 
-TEST(JSONTest, ChildrenOutliveTheirParentView) {
+TEST(JSONTest, ChildrenOutliveTheirParentViewAndWrapALibraryValue) {
     JSON child;
     {
         const JSON root = value(R"({"deep": {"name": "kept"}})");
         child = root["deep"];
     }
     EXPECT_EQ(child["name"].stringValue(), "kept");
-}
 
-TEST(JSONTest, ConstructedFromALibraryValue) {
     nlohmann::json built = {{"id", 5}, {"list", {1, 2}}};
     const JSON json(built);
     EXPECT_EQ(json["id"].stringValue(), "5");
@@ -206,13 +204,11 @@ TEST(JSONTest, ConstructedFromALibraryValue) {
     EXPECT_EQ(JSON().raw(), nlohmann::json());
 }
 
-TEST(JSONTest, MalformedTextParsesAsNull) {
+TEST(JSONTest, MalformedTextAndNestingDeeperThanTheLimitParseAsNull) {
     for (const char* text : {"", "{", "{\"a\":}", "[1,]", "nope", "{\"a\" 1}", "\"unterminated"}) {
         EXPECT_FALSE(JSON::parse(text).exists()) << text;
     }
-}
 
-TEST(JSONTest, NestingDeeperThanTheLimitIsRefusedAndTheLimitItselfIsAccepted) {
     const auto nested = [](int depth) {
         return std::string(static_cast<size_t>(depth), '[') +
                std::string(static_cast<size_t>(depth), ']');
@@ -247,16 +243,14 @@ TEST(JSONTest, InvalidUtf8IsReplacedWhenParsingAndWhenDumping) {
     EXPECT_EQ(built["name"].stringValue(), "bad \xff byte");
 }
 
-TEST(JSONTest, DumpIsCompactAndMissingDumpsAsNull) {
+TEST(JSONTest, DumpIsCompactMissingDumpsAsNullAndNumbersReadAsTheyWere) {
     EXPECT_EQ(value(R"({"b": [1, "x"], "a": null})").dump(), R"({"a":null,"b":[1,"x"]})");
     EXPECT_EQ(JSON().dump(), "null");
     // Four hundred digits overflow a double and saturate like 1e400.
     const JSON digits = JSON::parse("[" + std::string(400, '9') + "]");
     EXPECT_EQ(digits[0].int64Value(), kMax);
     EXPECT_EQ(digits.dump(), "[1.7976931348623157e+308]");
-}
 
-TEST(JSONTest, NumberDescriptionRule) {
     EXPECT_EQ(JSON::numberDescription(0.0), "0");
     EXPECT_EQ(JSON::numberDescription(-5.0), "-5");
     EXPECT_EQ(JSON::numberDescription(123456789.0), "123456789");
