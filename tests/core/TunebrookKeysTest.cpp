@@ -93,15 +93,13 @@ TEST_F(TunebrookKeysTest, EveryMissingRoleIsNamed) {
     }
 }
 
-TEST_F(TunebrookKeysTest, TheFileComesFromTheOptionsOrTheConfigFolder) {
+TEST_F(TunebrookKeysTest, TheFileComesFromTheOptionsOrTheConfigFolderAndTheContextKeepsIt) {
     AppOptions options;
     options.paths = Paths::underHome(dir.path());
     EXPECT_EQ(TunebrookKeys::pathFor(options), dir.path() + "/config/keys.json");
     options.keysFile = "/elsewhere/k.json";
     EXPECT_EQ(TunebrookKeys::pathFor(options), "/elsewhere/k.json");
-}
 
-TEST_F(TunebrookKeysTest, TheContextReadsTheFileOnceAndKeepsIt) {
     test::TestPlatform platform;
     const auto& keys = platform.context().keys();
     ASSERT_FALSE(keys.error());

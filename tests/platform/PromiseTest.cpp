@@ -83,7 +83,7 @@ TEST_F(PromiseTest, RejectionSkipsThenStepsUntilCatchOrRecover) {
     EXPECT_EQ(recoveredLater.result()->value, 99);
 }
 
-TEST_F(PromiseTest, AStepCanRejectByReturningARejectedPromise) {
+TEST_F(PromiseTest, AStepCanRejectByReturningARejectedPromiseAndAPromiseSettlesOnce) {
     std::optional<Error> caught;
     Promise<int>::fulfilled(queue, 1)
         .then([&](int) { return Promise<void>::rejected(queue, failure(9)); })
@@ -114,9 +114,7 @@ TEST_F(PromiseTest, CatchRecoverEnsureAndFinallyOnBothOutcomes) {
     EXPECT_EQ(good.result()->value, 4);
     ASSERT_TRUE(bad.result()->error);
     EXPECT_EQ(bad.result()->error->code, 2);
-}
 
-TEST_F(PromiseTest, APromiseSettlesOnlyOnce) {
     auto [promise, resolver] = Promise<std::string>::pending(queue);
     int calls = 0;
     promise.then([&](const std::string&) { ++calls; }).catch_([&](const Error&) { ++calls; });

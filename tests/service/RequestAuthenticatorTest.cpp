@@ -93,7 +93,8 @@ TEST_F(RequestAuthenticatorTest, ToleratesTheRoundedUpTimestampButNotAStaleOneOr
     EXPECT_EQ(again.errorCode, kNonceReused);
 }
 
-TEST_F(RequestAuthenticatorTest, RefusesUnknownAndExpiredTokensWithTheirOwnCodes) {
+TEST_F(RequestAuthenticatorTest,
+       RefusesBadTokensForeignConsumersTamperedBodiesAndMissingHeadersWithTheirCodes) {
     signer_.setToken("nosuchtoken", "secret");
     auto unknown = authenticator_->authenticate(request("user", {}, kNow), kNow);
     EXPECT_EQ(unknown.status, 401);
@@ -105,9 +106,8 @@ TEST_F(RequestAuthenticatorTest, RefusesUnknownAndExpiredTokensWithTheirOwnCodes
     EXPECT_EQ(tokens_->expireAccount(account_, kNow), 1);
     auto expired = authenticator_->authenticate(request("user", {}, kNow), kNow);
     EXPECT_EQ(expired.errorCode, kExpiredToken);
-}
 
-TEST_F(RequestAuthenticatorTest, RefusesForeignConsumerTamperedBodyAndMissingHeader) {
+    signer_.clearToken();
     test::ServiceTestSigner stranger("other", "c+s/ecret");
     AuthRequest foreign = request("featured", {}, kNow);
     foreign.authorization =
@@ -137,7 +137,7 @@ TEST(NonceCacheTest, ForgetsNoncesOnceTheirTimestampLeavesTheWindow) {
     EXPECT_EQ(cache.size(), 2u);
 }
 
-TEST(NonceCacheTest, ANonceKeptInTheDatabaseOutlivesARestartButNotTheWindow) {
+TEST(NonceCacheTest, ANonceKeptInTheDatabaseOutlivesARestartAndTheCacheStaysWithinItsCapacity) {
     test::TempDir dir;
     std::string error;
     auto db = Database::open(dir.file("service.sqlite"), error);
@@ -152,9 +152,7 @@ TEST(NonceCacheTest, ANonceKeptInTheDatabaseOutlivesARestartButNotTheWindow) {
     after.keepIn(*db, 1650);
     EXPECT_FALSE(after.remember("b", 1300, 1650));
     EXPECT_TRUE(after.remember("a", 1000, 1650));  // its timestamp left the window
-}
 
-TEST(NonceCacheTest, StaysWithinItsCapacity) {
     NonceCache cache(600, 3);
     for (int i = 0; i < 10; ++i) {
         EXPECT_TRUE(cache.remember("n" + std::to_string(i), 1000 + i, 1000));

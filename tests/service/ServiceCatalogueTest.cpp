@@ -100,7 +100,7 @@ TEST_F(ServiceCatalogueTest, OneItemByIdOrSlugsAnswersResultsAsAnObject) {
     EXPECT_EQ(call("GET", "playlist/70024").status, 404);
 }
 
-TEST_F(ServiceCatalogueTest, CategoriesAndTheirPlaylists) {
+TEST_F(ServiceCatalogueTest, CategoriesTheirPlaylistsAndFeaturedSpotsWithTypedRefs) {
     auto categories = call("GET", "tags/page/1", {{"include_playlists", "no"}});
     ASSERT_EQ(categories.status, 200);
     ASSERT_TRUE(categories.json["results"][0].is_string());
@@ -169,9 +169,7 @@ TEST_F(ServiceCatalogueTest, ArtistPagesAndTokenPagedFollowers) {
               400);
     EXPECT_EQ(call("GET", "artist/nobody-here").status, 404);
     EXPECT_FALSE(call("GET", "user/follow", {{"page", "1"}}).json["results"].empty());
-}
 
-TEST_F(ServiceCatalogueTest, FeaturedSpotsCarryTheirLabelAndTypedRef) {
     auto featured = call("GET", "featured");
     ASSERT_EQ(featured.status, 200);
     ASSERT_GE(featured.json["results"].size(), 4u);

@@ -94,7 +94,8 @@ TEST(SignatureVerifierTest, TheSchemesSortDifferentlyWhenOneNameStartsAnother) {
     EXPECT_EQ(SignatureVerifier::signerSignature(input), "Ewybu/LGD6+IgBv9++/YZXS70T8=");
 }
 
-TEST(SignatureVerifierTest, VerifyAcceptsEitherSchemeExactlyAndNothingElse) {
+TEST(SignatureVerifierTest,
+     VerifyAcceptsEitherSchemeExactlyAndTheSignerDropsBareItemsAndAFormPostsQuery) {
     SignatureInput input = profileForm();
     input.oauth["oauth_signature"] = "dyz7eoMyjIAObhTan/QCNQEeQ4I=";
     EXPECT_EQ(SignatureVerifier::verify(input), SignatureScheme::signer);
@@ -113,9 +114,7 @@ TEST(SignatureVerifierTest, VerifyAcceptsEitherSchemeExactlyAndNothingElse) {
     SignatureInput noSignature = input;
     noSignature.oauth.erase("oauth_signature");
     EXPECT_EQ(SignatureVerifier::verify(noSignature), SignatureScheme::none);
-}
 
-TEST(SignatureVerifierTest, SignerDropsItemsWithoutValueAndIgnoresTheQueryOfAFormPost) {
     SignatureInput base = profileForm();
     SignatureInput withExtras = base;
     withExtras.bodyParams.push_back({"flag", "", false});
