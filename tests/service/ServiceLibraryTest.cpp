@@ -99,7 +99,7 @@ TEST_F(ServiceLibraryTest, HighlightWritesReplaceTheListWithinTheLimit) {
     EXPECT_EQ(raw("GET", "/admin/report?kind=highlights").json["events"].size(), 3u);
 }
 
-TEST_F(ServiceLibraryTest, NotificationsCountUnseenPageAndAreMarkedSeen) {
+TEST_F(ServiceLibraryTest, NotificationsAreMarkedSeenFollowsFillTheFeedAndFavouritesTheRecord) {
     auto all = call("GET", "user/native-notifications");
     ASSERT_EQ(all.status, 200);
     ASSERT_FALSE(all.json["results"].empty());
@@ -118,9 +118,7 @@ TEST_F(ServiceLibraryTest, NotificationsCountUnseenPageAndAreMarkedSeen) {
     auto after = call("GET", "user/native-notifications", {{"only_unseen", "1"}});
     EXPECT_TRUE(after.json["results"].empty());
     EXPECT_EQ(after.json["counters"]["unseen"], 0);
-}
 
-TEST_F(ServiceLibraryTest, FollowsFillTheFeedAndFavouritesTheRecord) {
     auto feed = call("GET", "user/feed", {{"page", "1"}});
     ASSERT_EQ(feed.status, 200);
     EXPECT_FALSE(feed.json["results"].empty());
