@@ -33,23 +33,9 @@ TEST(TBLoggerTest, TheSharedLoggerBelongsToTheContext) {
     EXPECT_THAT(TBLogger::sharedInstance().inMemoryLog(), IsEmpty());
 }
 
-TEST(TBLogViewerViewModelTest, ShowsNothingBeforeAnyTrackedEvent) {
+TEST(TBLogViewerViewModelTest, ShowsTrackedEventsNewestFirstAndRefreshReadsAgain) {
     TBLogger logger;
     logger.inMemoryLog("not an event", "Ads");
-    TBLogViewerViewModel viewer(logger);
-    int reloads = 0;
-    viewer.onReload = [&] { ++reloads; };
-
-    viewer.load();
-
-    EXPECT_THAT(viewer.data(), IsEmpty());
-    EXPECT_EQ(reloads, 1);
-}
-
-TEST(TBLogViewerViewModelTest, ShowsTheNewestEventFirstAndRefreshReadsAgain) {
-    TBLogger logger;
-    logger.inMemoryLog("first", "Mixpanel");
-    logger.inMemoryLog("second", "Mixpanel");
     TBLogViewerViewModel viewer(logger);
     int reloads = 0;
     int refreshesEnded = 0;
@@ -57,13 +43,18 @@ TEST(TBLogViewerViewModelTest, ShowsTheNewestEventFirstAndRefreshReadsAgain) {
     viewer.onEndRefreshing = [&] { ++refreshesEnded; };
 
     viewer.load();
+    EXPECT_THAT(viewer.data(), IsEmpty());
+
+    logger.inMemoryLog("first", "Mixpanel");
+    logger.inMemoryLog("second", "Mixpanel");
+    viewer.load();
     EXPECT_THAT(viewer.data(), ElementsAre("second", "first"));
     EXPECT_EQ(refreshesEnded, 0);
 
     logger.inMemoryLog("third", "Mixpanel");
     viewer.refresh();
     EXPECT_THAT(viewer.data(), ElementsAre("third", "second", "first"));
-    EXPECT_EQ(reloads, 2);
+    EXPECT_EQ(reloads, 3);
     EXPECT_EQ(refreshesEnded, 1);
     EXPECT_THAT(logger.inMemoryLog().at("Mixpanel"), ElementsAre("first", "second", "third"));
 }

@@ -13,7 +13,7 @@ class TBPermisionsManagerTest : public ::testing::Test {
     TBPermisionsManager& permissions = TBPermisionsManager::sharedInstance();
 };
 
-TEST_F(TBPermisionsManagerTest, PromptsUntilTheListenerAnswers) {
+TEST_F(TBPermisionsManagerTest, PromptsUntilTheListenerAnswersAndAnUnknownAnswerCountsAsNone) {
     EXPECT_TRUE(permissions.shouldPrompt());
     permissions.recordAnswer(TBPermisionsManager::Answer::yes);
 
@@ -33,18 +33,14 @@ TEST_F(TBPermisionsManagerTest, LaterPromptsAgainAfterSevenDays) {
     EXPECT_FALSE(permissions.shouldPrompt());
     platform.queue.advanceBy(1.0);
     EXPECT_TRUE(permissions.shouldPrompt());
-}
 
-TEST_F(TBPermisionsManagerTest, AnUnknownStoredAnswerCountsAsNone) {
     platform.defaults.standard().setString("permissionsAnswer", "maybe");
     EXPECT_EQ(permissions.answer(), std::nullopt);
     EXPECT_TRUE(permissions.shouldPrompt());
 }
 
-TEST_F(TBPermisionsManagerTest, LinuxHasNoPushOrLocationUnlessGranted) {
+TEST_F(TBPermisionsManagerTest, LinuxHasNoPushOrLocation) {
     EXPECT_FALSE(permissions.pushGranted());
-    permissions.setPushGranted(true);
-    EXPECT_TRUE(TBPermisionsManager::sharedInstance().pushGranted());
 
     auto& location = LocationManager::shared();
     location.updateLocation();

@@ -26,42 +26,43 @@ class TBPreferencesRepositoryTest : public ::testing::Test {
     std::vector<std::string> notifications;
 };
 
-TEST_F(TBPreferencesRepositoryTest, SwitchesReadTheirDefaultsWhenNothingIsStored) {
-    EXPECT_TRUE(preferences.liveEnvironment());
-    EXPECT_TRUE(preferences.enableAds());
-    EXPECT_FALSE(preferences.trackAds());
-    EXPECT_FALSE(preferences.excludeReups());
-    EXPECT_FALSE(preferences.largeMusicCellType());
-    EXPECT_FALSE(preferences.eqEnabled());
-    EXPECT_FALSE(preferences.castSDKInitialized());
-    EXPECT_FALSE(preferences.highlightsHintShown());
-}
-
-TEST_F(TBPreferencesRepositoryTest, SwitchesAreStoredAsTheTextsOneAndZero) {
-    preferences.setEnableAds(false);
-    preferences.setTrackAds(true);
-    preferences.setCastSDKInitialized(true);
-
-    EXPECT_EQ(standard().objectForKey("enableAds"), DefaultsValue("0"));
-    EXPECT_EQ(standard().objectForKey("trackAds"), DefaultsValue("1"));
-    EXPECT_EQ(standard().objectForKey("ud_cast_inited"), DefaultsValue("1"));
-    EXPECT_FALSE(preferences.enableAds());
-    EXPECT_TRUE(preferences.trackAds());
-    EXPECT_GE(standard().synchronizeCount(), 3);
-}
-
-TEST_F(TBPreferencesRepositoryTest, OnlyTheTextOneReadsTrue) {
-    standard().setString("liveEnvironment", "yes");
-    standard().setString("largeMusicCellType", "1");
-    standard().setInteger("excludeReups", 1);
-    standard().setBool("highligths_hint_shown", false);
-    standard().setBool("ud_eq_enabled", true);
-
-    EXPECT_FALSE(preferences.liveEnvironment());
-    EXPECT_TRUE(preferences.largeMusicCellType());
-    EXPECT_TRUE(preferences.excludeReups());
-    EXPECT_FALSE(preferences.highlightsHintShown());
-    EXPECT_TRUE(preferences.eqEnabled());
+// Each switch reads its default until something is stored, is written as the text "1" or "0",
+// and reads true only from that text "1" (or a number 1, or a boolean written by other code).
+TEST_F(TBPreferencesRepositoryTest, SwitchesKeepTheirDefaultsAndReadOnlyTheTextOneAsTrue) {
+    using Repo = TBPreferencesRepository;
+    struct Switch {
+        const char* key;
+        bool (Repo::*read)() const;
+        void (Repo::*write)(bool);
+        bool fallback;
+    };
+    const Switch switches[] = {
+        {"liveEnvironment", &Repo::liveEnvironment, &Repo::setLiveEnvironment, true},
+        {"enableAds", &Repo::enableAds, &Repo::setEnableAds, true},
+        {"trackAds", &Repo::trackAds, &Repo::setTrackAds, false},
+        {"excludeReups", &Repo::excludeReups, &Repo::setExcludeReups, false},
+        {"largeMusicCellType", &Repo::largeMusicCellType, &Repo::setLargeMusicCellType, false},
+        {"ud_eq_enabled", &Repo::eqEnabled, &Repo::setEqEnabled, false},
+        {"ud_cast_inited", &Repo::castSDKInitialized, &Repo::setCastSDKInitialized, false},
+        {"highligths_hint_shown", &Repo::highlightsHintShown, &Repo::setHighlightsHintShown, false},
+    };
+    for (const auto& s : switches) {
+        SCOPED_TRACE(s.key);
+        EXPECT_EQ((preferences.*s.read)(), s.fallback);
+        const int synchronizedBefore = standard().synchronizeCount();
+        (preferences.*s.write)(!s.fallback);
+        EXPECT_EQ(standard().objectForKey(s.key), DefaultsValue(s.fallback ? "0" : "1"));
+        EXPECT_EQ((preferences.*s.read)(), !s.fallback);
+        EXPECT_GT(standard().synchronizeCount(), synchronizedBefore);
+        standard().setString(s.key, "yes");
+        EXPECT_FALSE((preferences.*s.read)());
+        standard().setInteger(s.key, 1);
+        EXPECT_TRUE((preferences.*s.read)());
+        standard().setBool(s.key, true);
+        EXPECT_TRUE((preferences.*s.read)());
+        standard().setBool(s.key, false);
+        EXPECT_FALSE((preferences.*s.read)());
+    }
 }
 
 TEST_F(TBPreferencesRepositoryTest, TheRetiredGenreIsRenamedForGoodAtItsFirstRead) {
@@ -83,36 +84,32 @@ TEST_F(TBPreferencesRepositoryTest, TheRetiredGenreIsRenamedForGoodAtItsFirstRea
 }
 
 TEST_F(TBPreferencesRepositoryTest, EachTooltipShowsUntilItsSetterRunsAndStaysAtOne) {
+    using Repo = TBPreferencesRepository;
     struct Tooltip {
         const char* key;
-        bool (TBPreferencesRepository::*shouldShow)() const;
-        void (TBPreferencesRepository::*setShown)();
+        bool (Repo::*shouldShow)() const;
+        void (Repo::*setShown)();
     };
     const Tooltip tooltips[] = {
-        {"miniplayerTooltipShownCount", &TBPreferencesRepository::shouldShowMiniplayerTooltip,
-         &TBPreferencesRepository::setMiniplayerTooltipShown},
-        {"suggestedFollowsShownCount", &TBPreferencesRepository::shouldShowSuggestedFollowsTooltip,
-         &TBPreferencesRepository::setSuggestedFollowsTooltipShown},
-        {"playerPlaylistTooltipShownCount",
-         &TBPreferencesRepository::shouldShowPlayerPlaylistTooltip,
-         &TBPreferencesRepository::setPlayerPlaylistTooltipShown},
-        {"playerQueueTooltipShownCount", &TBPreferencesRepository::shouldShowPlayerQueueTooltip,
-         &TBPreferencesRepository::setPlayerQueueTooltipShown},
-        {"playerScrollDownTooltip", &TBPreferencesRepository::shouldShowPlayerScrollDownTooltip,
-         &TBPreferencesRepository::setPlayerScrollDownTooltipShown},
-        {"playerEQTooltip", &TBPreferencesRepository::shouldShowPlayerEQTooltip,
-         &TBPreferencesRepository::setPlayerEQTooltipShown},
-        {"playlistShuffleTooltipShownCount",
-         &TBPreferencesRepository::shouldShowPlaylistShuffleTooltip,
-         &TBPreferencesRepository::setPlaylistShuffleTooltipShown},
-        {"playlistDownloadTooltipShownCount",
-         &TBPreferencesRepository::shouldShowPlaylistDownloadTooltip,
-         &TBPreferencesRepository::setPlaylistDownloadTooltipShown},
-        {"albumFavoriteTooltipShownCount", &TBPreferencesRepository::shouldShowAlbumFavoriteTooltip,
-         &TBPreferencesRepository::setAlbumFavoriteTooltipShown},
-        {"queueAddToPlaylistTooltipShownCount",
-         &TBPreferencesRepository::shouldShowQueueAddToPlaylistTooltip,
-         &TBPreferencesRepository::setQueueAddToPlaylistTooltipShown},
+        {"miniplayerTooltipShownCount", &Repo::shouldShowMiniplayerTooltip,
+         &Repo::setMiniplayerTooltipShown},
+        {"suggestedFollowsShownCount", &Repo::shouldShowSuggestedFollowsTooltip,
+         &Repo::setSuggestedFollowsTooltipShown},
+        {"playerPlaylistTooltipShownCount", &Repo::shouldShowPlayerPlaylistTooltip,
+         &Repo::setPlayerPlaylistTooltipShown},
+        {"playerQueueTooltipShownCount", &Repo::shouldShowPlayerQueueTooltip,
+         &Repo::setPlayerQueueTooltipShown},
+        {"playerScrollDownTooltip", &Repo::shouldShowPlayerScrollDownTooltip,
+         &Repo::setPlayerScrollDownTooltipShown},
+        {"playerEQTooltip", &Repo::shouldShowPlayerEQTooltip, &Repo::setPlayerEQTooltipShown},
+        {"playlistShuffleTooltipShownCount", &Repo::shouldShowPlaylistShuffleTooltip,
+         &Repo::setPlaylistShuffleTooltipShown},
+        {"playlistDownloadTooltipShownCount", &Repo::shouldShowPlaylistDownloadTooltip,
+         &Repo::setPlaylistDownloadTooltipShown},
+        {"albumFavoriteTooltipShownCount", &Repo::shouldShowAlbumFavoriteTooltip,
+         &Repo::setAlbumFavoriteTooltipShown},
+        {"queueAddToPlaylistTooltipShownCount", &Repo::shouldShowQueueAddToPlaylistTooltip,
+         &Repo::setQueueAddToPlaylistTooltipShown},
     };
     for (const auto& tooltip : tooltips) {
         EXPECT_TRUE((preferences.*tooltip.shouldShow)()) << tooltip.key;

@@ -5,7 +5,7 @@
 namespace tb {
 namespace {
 
-TEST(Base64Test, EncodesAndDecodesTheStandardVectors) {
+TEST(Base64Test, EncodesAndDecodesTheStandardVectorsAndRefusesOtherText) {
     const std::pair<std::string, std::string> vectors[] = {
         {"", ""},
         {"f", "Zg=="},
@@ -20,9 +20,7 @@ TEST(Base64Test, EncodesAndDecodesTheStandardVectors) {
         EXPECT_EQ(base64Encode(bytes), text);
         EXPECT_EQ(base64Decode(text), bytes) << text;
     }
-}
 
-TEST(Base64Test, RefusesTextThatIsNotCanonicalBase64) {
     for (const char* bad :
          {"Zg", "Zg=", "Z===", "Zm9v!", "Zm=v", "Zh==", "Zm9=", "Zg==Zg==", "Zm 9v"}) {
         EXPECT_FALSE(base64Decode(bad)) << bad;

@@ -14,7 +14,7 @@ std::int64_t codeFor(CURLcode code, int osErrno = 0, bool loopback = false, bool
     return urlErrorCodeForCurl(CurlFailure{code, osErrno, loopback, online});
 }
 
-TEST(CurlErrorsTest, TransferFailuresMapToTheAppsCodes) {
+TEST(CurlErrorsTest, TransferFailuresMapToTheAppsCodesAndNoRouteMeansNotConnected) {
     EXPECT_EQ(codeFor(CURLE_OPERATION_TIMEDOUT), URLError::kTimedOut);
     EXPECT_EQ(codeFor(CURLE_COULDNT_RESOLVE_HOST), URLError::kCannotFindHost);
     EXPECT_EQ(codeFor(CURLE_COULDNT_CONNECT, ECONNREFUSED), URLError::kCannotConnectToHost);
@@ -26,9 +26,7 @@ TEST(CurlErrorsTest, TransferFailuresMapToTheAppsCodes) {
     EXPECT_EQ(codeFor(CURLE_WRITE_ERROR), URLError::kCannotWriteToFile);
     EXPECT_EQ(codeFor(CURLE_TOO_MANY_REDIRECTS), URLError::kHTTPTooManyRedirects);
     EXPECT_EQ(codeFor(CURLE_OUT_OF_MEMORY), URLError::kUnknown);
-}
 
-TEST(CurlErrorsTest, NoRouteOrNoInterfaceMeansNotConnected) {
     EXPECT_EQ(codeFor(CURLE_COULDNT_CONNECT, ENETUNREACH), URLError::kNotConnectedToInternet);
     EXPECT_EQ(codeFor(CURLE_COULDNT_CONNECT, ENETDOWN), URLError::kNotConnectedToInternet);
     EXPECT_EQ(codeFor(CURLE_COULDNT_CONNECT, ECONNREFUSED, false, false),

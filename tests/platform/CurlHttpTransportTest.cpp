@@ -8,12 +8,9 @@
 #include <thread>
 #include <vector>
 
-#include <arpa/inet.h>
 #include <httplib.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
+#include "LoopbackListener.h"
 #include "platform/RunLoop.h"
 #include "platform/linux/CurlHttpTransport.h"
 #include "support/FileContents.h"
@@ -30,19 +27,6 @@ using ::testing::EndsWith;
 using ::testing::Optional;
 
 const std::string kTrickleChunk(100, 't');
-
-// A port on loopback that nothing listens on: bound, then closed again.
-int closedPort() {
-    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    socklen_t length = sizeof address;
-    ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-    ::close(fd);
-    return ntohs(address.sin_port);
-}
 
 class CurlHttpTransportTest : public ::testing::Test {
   protected:
@@ -63,13 +47,11 @@ class CurlHttpTransportTest : public ::testing::Test {
         server_.Post("/echo", echo);
         server_.Put("/echo", echo);
         server_.Delete("/echo", echo);
-        server_.Get("/echo", echo);
         server_.Get("/redirect", [](const httplib::Request&, httplib::Response& response) {
             response.set_redirect("/hello");
         });
         server_.Get("/slow", [this](const httplib::Request&, httplib::Response& response) {
-            std::unique_lock lock(slowMutex_);
-            slowReleased_.wait_for(lock, std::chrono::seconds(10), [this] { return released_; });
+            waitForRelease();
             response.set_content("late", "text/plain");
         });
         server_.Get("/trickle", [](const httplib::Request&, httplib::Response& response) {
@@ -88,16 +70,14 @@ class CurlHttpTransportTest : public ::testing::Test {
         server_.Get("/stall", [this](const httplib::Request&, httplib::Response& response) {
             // Sends the head and a byte of the body, then nothing more. (One byte: more would
             // keep curl's running average of the speed up for a few seconds longer.)
-            response.set_chunked_content_provider(
-                "application/octet-stream", [this](size_t offset, httplib::DataSink& sink) {
-                    if (offset == 0) {
-                        return sink.write("0", 1);
-                    }
-                    std::unique_lock lock(slowMutex_);
-                    slowReleased_.wait_for(lock, std::chrono::seconds(10),
-                                           [this] { return released_; });
-                    return false;
-                });
+            response.set_chunked_content_provider("application/octet-stream",
+                                                  [this](size_t offset, httplib::DataSink& sink) {
+                                                      if (offset == 0) {
+                                                          return sink.write("0", 1);
+                                                      }
+                                                      waitForRelease();
+                                                      return false;
+                                                  });
         });
         server_.Get("/big", [](const httplib::Request&, httplib::Response& response) {
             response.set_content(bigBody(), "application/octet-stream");
@@ -134,6 +114,12 @@ class CurlHttpTransportTest : public ::testing::Test {
         serverThread_.join();
     }
 
+    // Holds a server worker until the test ends.
+    void waitForRelease() {
+        std::unique_lock lock(slowMutex_);
+        slowReleased_.wait_for(lock, std::chrono::seconds(10), [this] { return released_; });
+    }
+
     static std::string bigBody() {
         std::string body;
         for (int i = 0; body.size() < (1 << 20); ++i) {
@@ -166,6 +152,16 @@ class CurlHttpTransportTest : public ::testing::Test {
         return result.value_or(HttpResult{});
     }
 
+    // Sends the request without waiting, counting its completions into `completions`.
+    std::shared_ptr<HttpTask> sendCounting(HttpRequest request,
+                                           int& completions,
+                                           std::optional<HttpResult>& result) {
+        return transport_->send(std::move(request), [&](HttpResult arrived) {
+            ++completions;
+            result = std::move(arrived);
+        });
+    }
+
     // Runs the loop a little longer, so that a second completion would have a chance to run.
     void settle() {
         loop_.runUntil([] { return false; }, 0.2);
@@ -193,14 +189,17 @@ TEST_F(CurlHttpTransportTest, AnswersWithStatusBodyAndHeaders) {
     EXPECT_EQ(result.response->body, "hello me");
     EXPECT_THAT(result.response->header("x-answer"), Optional(std::string("42")));
     EXPECT_EQ(result.response->url, url("/hello"));
-}
 
-TEST_F(CurlHttpTransportTest, AnErrorStatusIsAResponseNotAnError) {
-    const HttpResult result = perform(request("GET", "/missing"));
+    const HttpResult head = perform(request("HEAD", "/hello"));
+    ASSERT_TRUE(head.ok());
+    EXPECT_EQ(head.statusCode(), 200);
+    EXPECT_EQ(head.response->body, "");
 
-    EXPECT_FALSE(result.error.has_value());
-    EXPECT_EQ(result.statusCode(), 404);
-    EXPECT_EQ(result.response->body, "{\"error\":\"missing\"}");
+    // An error status is a response, not an error.
+    const HttpResult missing = perform(request("GET", "/missing"));
+    EXPECT_FALSE(missing.error.has_value());
+    EXPECT_EQ(missing.statusCode(), 404);
+    EXPECT_EQ(missing.response->body, "{\"error\":\"missing\"}");
 }
 
 TEST_F(CurlHttpTransportTest, SendsMethodsWithTheirBodies) {
@@ -218,14 +217,6 @@ TEST_F(CurlHttpTransportTest, SendsMethodsWithTheirBodies) {
     large.headers = {{"Content-Type", "text/plain"}};
     large.body = std::string(200000, 'x');
     EXPECT_EQ(perform(large).response->body, "POST text/plain " + large.body);
-}
-
-TEST_F(CurlHttpTransportTest, HeadAnswersWithoutABody) {
-    const HttpResult result = perform(request("HEAD", "/hello"));
-
-    ASSERT_TRUE(result.ok());
-    EXPECT_EQ(result.statusCode(), 200);
-    EXPECT_EQ(result.response->body, "");
 }
 
 TEST_F(CurlHttpTransportTest, FollowsRedirectsAndReportsTheFinalAddress) {
@@ -263,41 +254,31 @@ TEST_F(CurlHttpTransportTest, ASlowAnswerThatKeepsFlowingIsNotCutByItsTimeOut) {
     EXPECT_GT(std::chrono::steady_clock::now() - started, std::chrono::seconds(2));
 }
 
-TEST_F(CurlHttpTransportTest, CancelCompletesOnceWithCancelled) {
+TEST_F(CurlHttpTransportTest, CancelCompletesOnceWithCancelledAndAfterCompletionDoesNothing) {
     int completions = 0;
     std::optional<HttpResult> result;
-    auto task = transport_->send(request("GET", "/slow"), [&](HttpResult arrived) {
-        ++completions;
-        result = std::move(arrived);
-    });
+    auto task = sendCounting(request("GET", "/slow"), completions, result);
     task->cancel();
     task->cancel();
     ASSERT_TRUE(loop_.runUntil([&] { return result.has_value(); }, 5.0));
     settle();
-
     EXPECT_EQ(completions, 1);
     EXPECT_EQ(result->error->code, URLError::kCancelled);
     EXPECT_FALSE(result->response.has_value());
-}
 
-TEST_F(CurlHttpTransportTest, CancelAfterCompletionChangesNothing) {
-    int completions = 0;
-    std::optional<HttpResult> result;
-    auto task = transport_->send(request("GET", "/hello"), [&](HttpResult arrived) {
-        ++completions;
-        result = std::move(arrived);
-    });
-    ASSERT_TRUE(loop_.runUntil([&] { return result.has_value(); }, 5.0));
-    task->cancel();
+    int doneCompletions = 0;
+    std::optional<HttpResult> done;
+    auto finished = sendCounting(request("GET", "/hello"), doneCompletions, done);
+    ASSERT_TRUE(loop_.runUntil([&] { return done.has_value(); }, 5.0));
+    finished->cancel();
     settle();
-
-    EXPECT_EQ(completions, 1);
-    EXPECT_TRUE(result->ok());
+    EXPECT_EQ(doneCompletions, 1);
+    EXPECT_TRUE(done->ok());
 }
 
 TEST_F(CurlHttpTransportTest, TransportFailuresMapToTheirErrorCodes) {
     HttpRequest refused;
-    refused.url = "http://127.0.0.1:" + std::to_string(closedPort()) + "/";
+    refused.url = "http://127.0.0.1:" + std::to_string(test::closedLoopbackPort()) + "/";
     EXPECT_EQ(perform(refused).error->code, URLError::kCannotConnectToHost);
 
     EXPECT_EQ(perform(request("GET", "/cut")).error->code, URLError::kNetworkConnectionLost);
@@ -310,6 +291,10 @@ TEST_F(CurlHttpTransportTest, TransportFailuresMapToTheirErrorCodes) {
     HttpRequest unsupported;
     unsupported.url = "ftp://127.0.0.1/file";
     EXPECT_EQ(perform(unsupported).error->code, URLError::kUnsupportedURL);
+
+    auto unwritable = request("GET", "/big");
+    unwritable.destinationFile = dir_.file("no-such-folder/song.mp3");
+    EXPECT_EQ(perform(unwritable).error->code, URLError::kCannotWriteToFile);
 }
 
 TEST_F(CurlHttpTransportTest, DownloadsIntoTheDestinationThroughATemporaryFile) {
@@ -345,13 +330,6 @@ TEST_F(CurlHttpTransportTest, AFailedDownloadLeavesTheDestinationAlone) {
 
     EXPECT_EQ(test::readFileText(destination), "the old file");
     EXPECT_THAT(test::folderEntries(dir_.path()), ElementsAre("song.mp3"));
-}
-
-TEST_F(CurlHttpTransportTest, ADestinationThatCannotBeWrittenFailsWithCannotWrite) {
-    auto download = request("GET", "/big");
-    download.destinationFile = dir_.file("no-such-folder/song.mp3");
-
-    EXPECT_EQ(perform(download).error->code, URLError::kCannotWriteToFile);
 }
 
 TEST_F(CurlHttpTransportTest, StreamsChunksAndProgressWithoutKeepingTheBody) {
@@ -408,16 +386,14 @@ TEST_F(CurlHttpTransportTest, ManyRequestsAtOnceEachCompleteOnceWithTheirOwnAnsw
 TEST_F(CurlHttpTransportTest, DestroyingTheTransportCancelsWhatIsInFlight) {
     std::vector<std::int64_t> codes;
     std::vector<std::shared_ptr<HttpTask>> tasks;
-    for (int i = 0; i < 3; ++i) {
-        tasks.push_back(transport_->send(request("GET", "/slow"), [&](HttpResult result) {
+    auto download = request("GET", "/slow");
+    download.destinationFile = dir_.file("song.mp3");
+    for (const auto& sent :
+         {request("GET", "/slow"), request("GET", "/slow"), request("GET", "/slow"), download}) {
+        tasks.push_back(transport_->send(sent, [&](HttpResult result) {
             codes.push_back(result.error ? result.error->code : 0);
         }));
     }
-    auto download = request("GET", "/slow");
-    download.destinationFile = dir_.file("song.mp3");
-    tasks.push_back(transport_->send(download, [&](HttpResult result) {
-        codes.push_back(result.error ? result.error->code : 0);
-    }));
     // Let the transfers reach the server before the transport goes away.
     loop_.runUntil([] { return false; }, 0.2);
 

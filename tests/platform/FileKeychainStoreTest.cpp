@@ -54,7 +54,8 @@ TEST_F(FileKeychainStoreTest, EntriesSurviveNewInstancesInAFileOnlyTheUserCanRea
     EXPECT_TRUE(errors.records.empty());
 }
 
-TEST_F(FileKeychainStoreTest, IdentitiesAreSeparateAndHostileOnesStayInTheFolder) {
+TEST_F(FileKeychainStoreTest,
+       IdentitiesAreSeparateHostileOnesStayInTheFolderAndFailedWritesChangeNothing) {
     auto current = open(kValet);
     auto older = open(kOlder);
     auto hostile = open("../../escaped");
@@ -68,9 +69,7 @@ TEST_F(FileKeychainStoreTest, IdentitiesAreSeparateAndHostileOnesStayInTheFolder
     EXPECT_EQ(fs::path(hostile.path()).parent_path(), fs::path(support + "/keychain"));
     EXPECT_EQ(test::folderEntries(home.path()), std::vector<std::string>{"support"});
     EXPECT_EQ(test::folderEntries(support), std::vector<std::string>{"keychain"});
-}
 
-TEST_F(FileKeychainStoreTest, AFailedWriteLeavesTheStoreAsItWas) {
     auto store = open();
     ASSERT_TRUE(store.setData("token", "kept"));
     fs::remove_all(support + "/keychain");

@@ -145,14 +145,12 @@ TEST_F(FileUserDefaultsTest, ChangesAreWrittenAboutASecondAfterTheFirstOfABurst)
     EXPECT_FALSE(nlohmann::json::parse(readFileText(file)).contains("name"));
 }
 
-TEST_F(FileUserDefaultsTest, UnwrittenChangesAreSavedWhenTheProviderGoesAway) {
+TEST_F(FileUserDefaultsTest, UnwrittenChangesAreSavedAtTheEndAndAFailedSynchronizeLosesNothing) {
     openProvider()->suite("s").setBool("flag", true);
     queue.advanceBy(5.0);  // the delayed write of a destroyed suite must do nothing
 
     EXPECT_TRUE(openProvider()->suite("s").boolForKey("flag"));
-}
 
-TEST_F(FileUserDefaultsTest, AFailedSynchronizeLosesNothingInMemory) {
     auto provider = openProvider();
     auto& defaults = provider->standard();
     defaults.setString("token", "abc");

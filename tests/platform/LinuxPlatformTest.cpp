@@ -1,10 +1,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
+#include "LoopbackListener.h"
 #include "app/AppContext.h"
 #include "platform/ErrorReporter.h"
 #include "platform/ExternalSdks.h"
@@ -81,30 +78,18 @@ TEST_F(LinuxPlatformTest, EveryPortIsRealAndKeepsItsStateUnderTheGivenFolders) {
     EXPECT_EQ(again->ports().olderKeychain->dataForKey("token"), "old");
 }
 
-TEST_F(LinuxPlatformTest, WithoutAServiceURLTheNetworkCountsAsReachable) {
-    auto platform = make();
-    auto& reachability = *platform->ports().reachability;
+TEST_F(LinuxPlatformTest, ReachabilityWatchesTheServiceHostAndWithoutOneCountsAsReachable) {
+    auto alone = make();
+    auto& reachability = *alone->ports().reachability;
     int told = 0;
     reachability.startNotifier([&] { ++told; }, [] { ADD_FAILURE() << "unreachable"; });
-    platform->runLoop().runUntil([&] { return told > 0; }, 2.0);
+    alone->runLoop().runUntil([&] { return told > 0; }, 2.0);
     EXPECT_EQ(told, 1);
     EXPECT_TRUE(reachability.isReachable());
     EXPECT_TRUE(reachability.isReachableViaWiFi());
-}
+    alone.reset();  // one platform at a time keeps the home
 
-TEST_F(LinuxPlatformTest, ReachabilityWatchesTheServiceHost) {
-    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(listener, 4), 0);
-    socklen_t length = sizeof address;
-    ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
-    const int port = ntohs(address.sin_port);
-    ::close(listener);  // nothing listens there any more
-
-    auto platform = make("http://127.0.0.1:" + std::to_string(port) + "/v1/");
+    auto platform = make("http://127.0.0.1:" + std::to_string(test::closedLoopbackPort()) + "/v1/");
     bool unreachable = false;
     platform->ports().reachability->startNotifier([] {}, [&] { unreachable = true; });
     EXPECT_TRUE(platform->runLoop().runUntil([&] { return unreachable; }, 5.0));

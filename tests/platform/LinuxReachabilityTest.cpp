@@ -2,12 +2,10 @@
 #include <functional>
 #include <thread>
 
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
+#include "LoopbackListener.h"
 #include "platform/ManualQueue.h"
 #include "platform/linux/LinuxReachability.h"
+#include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
@@ -31,52 +29,16 @@ TEST(HostAndPortOfURLTest, ReadsHostAndPortOfServiceURLs) {
     }
 }
 
-// A loopback listener the test opens and closes; its port stays the same across reopens.
-class Listener {
-  public:
-    Listener() { open(0); }
-    ~Listener() { close(); }
-
-    void open(int port) {
-        fd_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        const int yes = 1;
-        ::setsockopt(fd_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(static_cast<uint16_t>(port));
-        ASSERT_EQ(::bind(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        ASSERT_EQ(::listen(fd_, 16), 0);
-        socklen_t length = sizeof address;
-        ::getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length);
-        port_ = ntohs(address.sin_port);
-    }
-    void close() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-            fd_ = -1;
-        }
-    }
-    int port() const { return port_; }
-
-  private:
-    int fd_ = -1;
-    int port_ = 0;
-};
-
 class LinuxReachabilityTest : public ::testing::Test {
   protected:
     // Runs the queue until `done` or a few seconds of real time have passed.
     bool waitFor(const std::function<bool()>& done) {
-        const auto deadline = Clock::now() + std::chrono::seconds(10);
-        while (Clock::now() < deadline) {
-            queue.runUntilIdle();
-            if (done()) {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return false;
+        return test::waitFor(
+            [&] {
+                queue.runUntilIdle();
+                return done();
+            },
+            std::chrono::seconds(10));
     }
     void settle() {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
@@ -84,7 +46,7 @@ class LinuxReachabilityTest : public ::testing::Test {
     }
 
     ManualQueue queue;
-    Listener listener;
+    test::LoopbackListener listener;
     int reachableCalls = 0;
     int unreachableCalls = 0;
     LinuxReachability::Options fast{0.02, 0.5};

@@ -4,6 +4,8 @@
 namespace tb::test {
 namespace {
 
+using Scheme = ServiceFixture::Scheme;
+
 class ServiceAccountsTest : public ServiceFixture {
   protected:
     Answer social(const ServiceTestSigner::Params& params) {
@@ -32,7 +34,8 @@ TEST_F(ServiceAccountsTest, PasswordLoginAnswersTheTokenAndTheUser) {
     EXPECT_TRUE(user.json["new_feed_items"].is_number());
 }
 
-TEST_F(ServiceAccountsTest, AWrongPasswordIsTheGenericLoginError) {
+TEST_F(ServiceAccountsTest,
+       AWrongPasswordIsTheGenericLoginErrorAndForgottenPasswordKnowsItsAccounts) {
     auto answer = login("demo@tunebrook.test", "not it");
     EXPECT_EQ(answer["errorcode"], 1037);
     EXPECT_FALSE(answer["message"].get<std::string>().empty());
@@ -111,13 +114,14 @@ TEST_F(ServiceAccountsTest, AnExpiredTokenIsRefusedUntilTheNextLogin) {
     EXPECT_EQ(call("GET", "user").status, 200);
 }
 
-TEST_F(ServiceAccountsTest, UserPathsNeedAToken) {
+TEST_F(ServiceAccountsTest, UnsignedCallsAndUserPathsWithoutATokenAreRefused) {
+    auto unsigned_ = call("GET", "featured", {}, Scheme::none);
+    EXPECT_EQ(unsigned_.status, 401);
+    EXPECT_TRUE(unsigned_.json["errorcode"].is_number() && unsigned_.json.contains("message"));
     EXPECT_EQ(call("GET", "user").status, 401);
     EXPECT_EQ(call("GET", "user/feed").status, 401);
     EXPECT_EQ(call("POST", "user/downloads", {{"music_id", "1"}}).status, 401);
-}
 
-TEST_F(ServiceAccountsTest, ForgottenPasswordKnowsItsAccounts) {
     EXPECT_EQ(call("POST", "user/forgot-password", {{"email", "demo@tunebrook.test"}}).status, 200);
     auto unknown = call("POST", "user/forgot-password", {{"email", "ghost@example.com"}});
     EXPECT_EQ(unknown.status, 404);

@@ -5,6 +5,7 @@
 
 #include <httplib.h>
 
+#include "support/WaitFor.h"
 #include "tunebrook-service/Service.h"
 #include "tunebrook-service/ServiceContext.h"
 
@@ -34,10 +35,7 @@ void ServiceFixture::SetUp() {
     std::string error;
     ASSERT_TRUE(service_->start(error)) << error;
     thread_ = std::thread([this] { service_->run(); });
-    for (int i = 0; i < 500 && !service_->running(); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    ASSERT_TRUE(service_->running());
+    ASSERT_TRUE(waitFor([this] { return service_->running(); }, std::chrono::seconds(1)));
     std::ifstream keysFile(options.dataDir + "/keys.json");
     auto keys = nlohmann::json::parse(keysFile);
     signer_ = ServiceTestSigner(keys["tunebrookConsumerKey"], keys["tunebrookConsumerSecret"]);
@@ -123,18 +121,17 @@ std::string firstId(tb::service::ServiceContext& context, const std::string& whe
     return rows.empty() ? std::string() : std::to_string(rows.front().id);
 }
 
+const std::string kActiveSong = "m.type = 'song' AND m.status = 'active' AND ";
+
 }  // namespace
 
 std::string ServiceFixture::playableSongId(int index) {
-    return firstId(service_->context(),
-                   "m.type = 'song' AND m.status = 'active' AND m.geo_restricted = 0 AND "
-                   "m.album_id = 0",
+    return firstId(service_->context(), kActiveSong + "m.geo_restricted = 0 AND m.album_id = 0",
                    index);
 }
 
 std::string ServiceFixture::geoRestrictedSongId() {
-    return firstId(service_->context(),
-                   "m.type = 'song' AND m.status = 'active' AND m.geo_restricted = 1", 0);
+    return firstId(service_->context(), kActiveSong + "m.geo_restricted = 1", 0);
 }
 
 std::string ServiceFixture::songIdWithStatus(const std::string& status) {
@@ -143,9 +140,7 @@ std::string ServiceFixture::songIdWithStatus(const std::string& status) {
 
 std::string ServiceFixture::albumTrackId(std::string& albumId) {
     auto rows = service_->context().music.find(
-        "m.type = 'song' AND m.status = 'active' AND m.geo_restricted = 0 AND m.album_id != 0 "
-        "ORDER BY m.id",
-        {}, 0, 1);
+        kActiveSong + "m.geo_restricted = 0 AND m.album_id != 0 ORDER BY m.id", {}, 0, 1);
     albumId = rows.empty() ? "" : std::to_string(rows.front().albumId);
     return rows.empty() ? "" : std::to_string(rows.front().id);
 }

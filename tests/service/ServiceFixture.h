@@ -3,11 +3,13 @@
 #include <atomic>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <thread>
 
 #include <nlohmann/json.hpp>
 
+#include "support/ServiceCall.h"
 #include "support/ServiceTestSigner.h"
 #include "support/TempDir.h"
 
@@ -81,5 +83,14 @@ class ServiceFixture : public ::testing::Test {
     std::thread thread_;
     std::atomic<double> offset_{0};
 };
+
+// The ids in a list as text: of each item's "id" when `ofItems`, else the entries themselves.
+inline std::set<std::string> idSet(const nlohmann::json& list, bool ofItems = false) {
+    std::set<std::string> out;
+    for (const auto& entry : list) {
+        out.insert(idText(ofItems ? entry["id"] : entry));
+    }
+    return out;
+}
 
 }  // namespace tb::test

@@ -1,7 +1,4 @@
-#include <set>
-
 #include "service/ServiceFixture.h"
-#include "support/ServiceCall.h"
 
 namespace tb::test {
 namespace {
@@ -34,12 +31,8 @@ TEST_F(ServiceLibraryTest, DownloadsAreAddedListedInPagesAndRemoved) {
              {{"type", "songs"}, {"limit", "3"}, {"paging_token", first.json["paging_token"]}});
     EXPECT_EQ(second.json["results"].size(), 2u);
     EXPECT_FALSE(second.json.contains("paging_token"));
-    std::set<std::string> listed;
-    for (const auto& page : {first, second}) {
-        for (const auto& item : page.json["results"]) {
-            listed.insert(idText(item["id"]));
-        }
-    }
+    auto listed = idSet(first.json["results"], true);
+    listed.merge(idSet(second.json["results"], true));
     EXPECT_EQ(listed, std::set<std::string>(songs.begin(), songs.end()));
 
     EXPECT_EQ(call("DELETE", "user/downloads/" + songs[0]).status, 200);
@@ -62,11 +55,7 @@ TEST_F(ServiceLibraryTest, StatusListsOnlyWhatIsNoLongerOfferedWithSomeIdsAsNumb
     auto answer = call("POST", "music/status",
                        {{"music_id", gone + "," + fine + "," + suspended + ",123,x"}});
     ASSERT_TRUE(answer.json.is_array());
-    std::set<std::string> removed;
-    for (const auto& id : answer.json) {
-        removed.insert(idText(id));
-    }
-    EXPECT_EQ(removed, (std::set<std::string>{gone, suspended, "123"}));
+    EXPECT_EQ(idSet(answer.json), (std::set<std::string>{gone, suspended, "123"}));
 
     // A song taken down later shows up from then on.
     raw("POST", "/admin/music/" + fine + "/status", {}, R"({"status":"unplayable"})",
@@ -110,7 +99,7 @@ TEST_F(ServiceLibraryTest, HighlightWritesReplaceTheListWithinTheLimit) {
     EXPECT_EQ(raw("GET", "/admin/report?kind=highlights").json["events"].size(), 3u);
 }
 
-TEST_F(ServiceLibraryTest, NotificationsCountUnseenPageAndAreMarkedSeen) {
+TEST_F(ServiceLibraryTest, NotificationsAreMarkedSeenFollowsFillTheFeedAndFavouritesTheRecord) {
     auto all = call("GET", "user/native-notifications");
     ASSERT_EQ(all.status, 200);
     ASSERT_FALSE(all.json["results"].empty());
@@ -129,16 +118,10 @@ TEST_F(ServiceLibraryTest, NotificationsCountUnseenPageAndAreMarkedSeen) {
     auto after = call("GET", "user/native-notifications", {{"only_unseen", "1"}});
     EXPECT_TRUE(after.json["results"].empty());
     EXPECT_EQ(after.json["counters"]["unseen"], 0);
-}
 
-TEST_F(ServiceLibraryTest, FollowsFillTheFeedAndFavouritesTheRecord) {
     auto feed = call("GET", "user/feed", {{"page", "1"}});
     ASSERT_EQ(feed.status, 200);
     EXPECT_FALSE(feed.json["results"].empty());
-    bool repost = false;
-    for (const auto& item : feed.json["results"]) {
-        repost = repost || item.contains("repost_artist");
-    }
     auto uploads = call("GET", "user/feed", {{"page", "1"}, {"only_uploads", "1"}});
     for (const auto& item : uploads.json["results"]) {
         EXPECT_FALSE(item.contains("repost_artist"));
@@ -150,13 +133,9 @@ TEST_F(ServiceLibraryTest, FollowsFillTheFeedAndFavouritesTheRecord) {
     EXPECT_EQ(call("PUT", "music/" + song + "/favorite", {{"section", "Browse"}}).status, 200);
     EXPECT_EQ(call("PUT", "music/" + song + "/repost", {{"section", "Browse"}}).status, 200);
     auto user = call("GET", "user").json;
-    std::set<std::string> favorites, reups;
-    for (const auto& id : user["favorite_music"])
-        favorites.insert(idText(id));
-    for (const auto& id : user["reups"])
-        reups.insert(idText(id));
+    const auto favorites = idSet(user["favorite_music"]);
     EXPECT_TRUE(favorites.count(song));
-    EXPECT_TRUE(reups.count(song));
+    EXPECT_TRUE(idSet(user["reups"]).count(song));
     EXPECT_EQ(call("DELETE", "music/" + song + "/favorite").status, 200);
     EXPECT_EQ(call("GET", "user").json["favorite_music"].size(), favorites.size() - 1);
 }

@@ -69,7 +69,7 @@ TEST_F(ServiceStreamTest, ThePlayAnswerIsAnAddressWhoseBytesComeInRanges) {
     EXPECT_EQ(beyond.headers["Content-Range"], "bytes */" + std::to_string(file.size()));
 }
 
-TEST_F(ServiceStreamTest, ExpiredForgedOrBorrowedAddressesAreRefused) {
+TEST_F(ServiceStreamTest, ExpiredForgedOrBorrowedAddressesAndUnplayableSongsAreRefused) {
     std::string id = playableSongId();
     std::string path = streamPath(id);
     std::string other = playableSongId(1);
@@ -116,9 +116,7 @@ TEST_F(ServiceStreamTest, TheThirtySecondReportIsRecordedApart) {
     EXPECT_EQ(events[0]["data"]["section"], "Search");
     EXPECT_EQ(countedPlays(), 0);
     EXPECT_EQ(call("POST", "music/" + id + "/play", {{"time", "soon"}}).status, 400);
-}
 
-TEST_F(ServiceStreamTest, RestrictedTakenDownAndOutOfContextSongsDontPlay) {
     EXPECT_EQ(call("POST", "music/" + geoRestrictedSongId() + "/play").status, 403);
     EXPECT_EQ(call("POST", "music/" + songIdWithStatus("takedown") + "/play").status, 404);
     EXPECT_EQ(call("POST", "music/999999/play").status, 404);

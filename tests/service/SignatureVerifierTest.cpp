@@ -94,7 +94,8 @@ TEST(SignatureVerifierTest, TheSchemesSortDifferentlyWhenOneNameStartsAnother) {
     EXPECT_EQ(SignatureVerifier::signerSignature(input), "Ewybu/LGD6+IgBv9++/YZXS70T8=");
 }
 
-TEST(SignatureVerifierTest, VerifyAcceptsEitherSchemeExactlyAndNothingElse) {
+TEST(SignatureVerifierTest,
+     VerifyAcceptsEitherSchemeExactlyAndTheSignerDropsBareItemsAndAFormPostsQuery) {
     SignatureInput input = profileForm();
     input.oauth["oauth_signature"] = "dyz7eoMyjIAObhTan/QCNQEeQ4I=";
     EXPECT_EQ(SignatureVerifier::verify(input), SignatureScheme::signer);
@@ -113,9 +114,7 @@ TEST(SignatureVerifierTest, VerifyAcceptsEitherSchemeExactlyAndNothingElse) {
     SignatureInput noSignature = input;
     noSignature.oauth.erase("oauth_signature");
     EXPECT_EQ(SignatureVerifier::verify(noSignature), SignatureScheme::none);
-}
 
-TEST(SignatureVerifierTest, SignerDropsItemsWithoutValueAndIgnoresTheQueryOfAFormPost) {
     SignatureInput base = profileForm();
     SignatureInput withExtras = base;
     withExtras.bodyParams.push_back({"flag", "", false});
@@ -127,16 +126,14 @@ TEST(SignatureVerifierTest, SignerDropsItemsWithoutValueAndIgnoresTheQueryOfAFor
               SignatureVerifier::serializerSignature(base));
 }
 
-TEST(AuthorizationHeaderTest, ReadsQuotedEncodedEntries) {
+TEST(AuthorizationHeaderTest, ReadsQuotedEncodedEntriesAndRefusesOtherSchemesRepeatsAndBrokenOnes) {
     auto entries = AuthorizationHeader::parse(
         "OAuth oauth_consumer_key=\"ck\", oauth_signature=\"a%2Bb%3D\", oauth_token=\"t%2525\"");
     ASSERT_TRUE(entries);
     EXPECT_EQ(entries->at("oauth_consumer_key"), "ck");
     EXPECT_EQ(entries->at("oauth_signature"), "a+b=");
     EXPECT_EQ(entries->at("oauth_token"), "t%25");
-}
 
-TEST(AuthorizationHeaderTest, RefusesOtherSchemesRepeatsAndBrokenEntries) {
     for (const char* header : {"Basic abc", "OAuth ", "OAuth a=b", "OAuth a=\"1\", a=\"2\"",
                                "OAuth =\"1\"", "OAuth a=\"%zz\"", "OAuth a=\"1", ""}) {
         EXPECT_FALSE(AuthorizationHeader::parse(header)) << header;
