@@ -23,6 +23,16 @@ inline const std::string kBase = "https://api.tunebrook.test/v1/";
 inline const std::string kConsumerKey = "tb-consumer key+1";
 inline const std::string kConsumerSecret = "cs/secret+&x";
 
+// The Authorization header the vectors expect, with `token` already encoded as the header
+// writes it (none when empty).
+inline std::string oauthHeader(const std::string& signature, const std::string& token = "") {
+    return "OAuth oauth_consumer_key=\"tb-consumer%20key%2B1\", oauth_nonce=\"123456789\", "
+           "oauth_signature=\"" +
+           signature +
+           "\", oauth_signature_method=\"HMAC-SHA1\", oauth_timestamp=\"1700000128\", " +
+           (token.empty() ? "" : "oauth_token=\"" + token + "\", ") + "oauth_version=\"1.0\"";
+}
+
 class HeldToken final : public AFXAuthRequestSerializerTokenProvider {
   public:
     const std::optional<AFXAuthToken>& token() const override { return token_; }
