@@ -195,10 +195,9 @@ TEST_F(ItemMapperTest, ReleaseDatesAreLongEnglishDatesOfTheDevicesDay) {
     const auto uploadedOf = [](nlohmann::json value) {
         return mappedSongWith("released", std::move(value))->uploaded;
     };
+    // The calendar is DateTextTest's; here, what the mapper takes for seconds since 1970: a
+    // double, in text too.
     EXPECT_EQ(uploadedOf(0), "January 1, 1970");
-    EXPECT_EQ(uploadedOf(-1), "December 31, 1969");
-    EXPECT_EQ(uploadedOf(951782400.9), "February 29, 2000");
-    // Seconds since 1970 are a double, in text too.
     EXPECT_EQ(uploadedOf("1700000000"), "November 14, 2023");
     EXPECT_EQ(uploadedOf("1699919999.5"), "November 13, 2023");
     EXPECT_EQ(uploadedOf("+1.7e9"), "November 14, 2023");
@@ -207,14 +206,9 @@ TEST_F(ItemMapperTest, ReleaseDatesAreLongEnglishDatesOfTheDevicesDay) {
          {"soon", "1700000000 ", " 1700000000", "1e400", "inf", "nan", "+-1", "0x10", "", "."}) {
         EXPECT_EQ(uploadedOf(notSeconds), std::nullopt) << notSeconds;
     }
-    {
-        const test::ScopedTimeZone newYork("EST5EDT,M3.2.0,M11.1.0");
-        EXPECT_EQ(uploadedOf(0), "December 31, 1969");
-        EXPECT_EQ(uploadedOf("1700000000"), "November 14, 2023");  // 17:13 there
-    }
-    EXPECT_EQ(uploadedOf("soon"), std::nullopt);
-    EXPECT_EQ(uploadedOf(1e300), std::nullopt);
     EXPECT_EQ(uploadedOf(nullptr), std::nullopt);
+    const test::ScopedTimeZone newYork("EST5EDT,M3.2.0,M11.1.0");
+    EXPECT_EQ(uploadedOf(0), "December 31, 1969");  // the day of the device's zone
 }
 
 TEST_F(ItemMapperTest, AlbumTracksTakeTheirIdsAndPositionsAndSkipWhatHasNoId) {
