@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
+using ::testing::UnorderedElementsAreArray;
 
 class ItemDAOQueriesTest : public DaoTest {
   protected:
@@ -68,11 +69,11 @@ TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
                 UnorderedElementsAre("song", "songSynced", "songCached", "single", "ofAlbum",
                                      "ofPlaylist"));
 
+    // The id lists are those of their predicates.
     EXPECT_THAT(dao().unsyncedDownloadsIds(),
-                UnorderedElementsAre("song", "songRunning", "album", "single"));
+                UnorderedElementsAreArray(idsWhere(dao().unsyncedDownloadsPredicate())));
     EXPECT_THAT(dao().offlineIds(),
-                UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single",
-                                     "ofAlbum", "ofPlaylist"));
+                UnorderedElementsAreArray(idsWhere(dao().offlineIdsPredicate())));
     // The cached list comes newest first; rows without a date sort last.
     const auto cached = dao().cachedItems();
     ASSERT_TRUE(cached);
