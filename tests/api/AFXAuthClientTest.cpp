@@ -1,6 +1,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include <nlohmann/json.hpp>
 
@@ -99,22 +100,19 @@ TEST_F(AFXAuthClientTest, BuildsSignedRequestsOnTheBaseURL) {
     }
 }
 
-TEST_F(AFXAuthClientTest, AJsonClientSendsJsonBodies) {
-    AFXAuthClient jsonClient = makeClient(1);
-    jsonClient.POST("music/1/comments", {{"comment", "hi"}}, nullptr, nullptr);
-
-    EXPECT_EQ(http.request(0).body, R"({"comment":"hi"})");
-    EXPECT_THAT(authorization(0), StartsWith("OAuth "));
-}
-
-TEST_F(AFXAuthClientTest, AnyOtherTypeLeavesAPlainUnsignedSerializer) {
-    AFXAuthClient plain = makeClient(7);
-    plain.POST("music", {{"a", "1"}}, nullptr, nullptr);
-
-    EXPECT_EQ(http.request(0).body, "a=1");
-    EXPECT_EQ(findHeader(http.request(0).headers, "Authorization"), std::nullopt);
-    EXPECT_THAT(findHeader(http.request(0).headers, "X-Application-Platform"),
-                Optional(std::string("ios")));
+// Type 1 sends signed JSON; any type but 0 and 1 leaves a plain unsigned form serializer.
+TEST_F(AFXAuthClientTest, TheClientTypePicksTheSerializer) {
+    const std::tuple<int, std::string, bool> cases[] = {{1, R"({"a":"1"})", true},
+                                                        {7, "a=1", false}};
+    for (const auto& [type, body, signs] : cases) {
+        AFXAuthClient other = makeClient(type);
+        other.POST("music", {{"a", "1"}}, nullptr, nullptr);
+        const HttpRequest& sent = http.request(http.count() - 1);
+        EXPECT_EQ(sent.body, body) << type;
+        EXPECT_EQ(findHeader(sent.headers, "Authorization").has_value(), signs) << type;
+        EXPECT_THAT(findHeader(sent.headers, "X-Application-Platform"),
+                    Optional(std::string("ios")));
+    }
 }
 
 TEST_F(AFXAuthClientTest, ATokenSetOnTheClientSignsItsRequests) {

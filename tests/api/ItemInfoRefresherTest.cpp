@@ -1,6 +1,7 @@
 // Refreshing an offline item's web address from the service: which call each kind makes,
 // and what the item takes from the answer.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -61,7 +62,8 @@ class RefreshInfoTest : public DaoTest {
         device.http.on("GET", path, 200, answer.dump());
     }
 
-    Outcome refresh(const ItemPtr& item) {
+    // Refreshes `item`; `answer` (if any) runs before the queue does, to answer by hand.
+    Outcome refresh(const ItemPtr& item, const std::function<void()>& answer = {}) {
         Outcome outcome;
         ItemInfoRefresher(device.context().dataManager())
             .refreshInfoFor(
@@ -74,6 +76,9 @@ class RefreshInfoTest : public DaoTest {
                     ++outcome.failures;
                     outcome.error = error;
                 });
+        if (answer) {
+            answer();
+        }
         device.queue.runUntilIdle();
         return outcome;
     }
@@ -192,17 +197,10 @@ TEST_F(RefreshInfoTest, OtherKindsAskNothingAndAnswerNothing) {
 TEST_F(RefreshInfoTest, AFailedRequestGoesToTheFailureBlockWithItsError) {
     auto item = song("s1");
     item->url = "https://stream.example/old";
-    Outcome outcome;
-    ItemInfoRefresher(device.context().dataManager())
-        .refreshInfoFor(
-            item, [&outcome](const ItemPtr&) { ++outcome.successes; },
-            [&outcome](const std::optional<Error>& error) {
-                ++outcome.failures;
-                outcome.error = error;
-            });
-    ASSERT_EQ(device.http.count(), 1u);
-    device.http.fail(0, URLError::kNotConnectedToInternet);
-    device.queue.runUntilIdle();
+    const auto outcome = refresh(item, [this] {
+        ASSERT_EQ(device.http.count(), 1u);
+        device.http.fail(0, URLError::kNotConnectedToInternet);
+    });
 
     EXPECT_EQ(outcome.successes, 0);
     ASSERT_EQ(outcome.failures, 1);

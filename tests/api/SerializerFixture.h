@@ -23,6 +23,25 @@ inline const std::string kBase = "https://api.tunebrook.test/v1/";
 inline const std::string kConsumerKey = "tb-consumer key+1";
 inline const std::string kConsumerSecret = "cs/secret+&x";
 
+// The values of an Authorization header besides its signature and token.
+struct OAuthValues {
+    std::string consumerKey = "tb-consumer%20key%2B1";
+    std::string nonce = "123456789";
+    std::string timestamp = "1700000128";
+};
+
+// The Authorization header a vector expects, with `token` as the header writes it (none
+// when empty).
+inline std::string oauthHeader(const std::string& signature,
+                               const std::string& token = "",
+                               const OAuthValues& values = {}) {
+    return "OAuth oauth_consumer_key=\"" + values.consumerKey + "\", oauth_nonce=\"" +
+           values.nonce + "\", oauth_signature=\"" + signature +
+           "\", oauth_signature_method=\"HMAC-SHA1\", oauth_timestamp=\"" + values.timestamp +
+           "\", " + (token.empty() ? "" : "oauth_token=\"" + token + "\", ") +
+           "oauth_version=\"1.0\"";
+}
+
 class HeldToken final : public AFXAuthRequestSerializerTokenProvider {
   public:
     const std::optional<AFXAuthToken>& token() const override { return token_; }

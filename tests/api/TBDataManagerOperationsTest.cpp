@@ -20,16 +20,21 @@ using json = nlohmann::json;
 
 using Params = std::map<std::string, std::string>;
 
-class TBDataManagerOperationsTest : public CatalogueTest {};
+class TBDataManagerOperationsTest : public CatalogueTest {
+  protected:
+    // Request `index` went to `path` with exactly `params`.
+    void expectCall(std::size_t index, const std::string& path, const Params& params = {}) {
+        SCOPED_TRACE(index);
+        EXPECT_EQ(call(index).path, path);
+        EXPECT_EQ(call(index).params, params);
+    }
+};
 
+// The live host is every other test's (their paths are relative to it).
 TEST_F(TBDataManagerOperationsTest, TheEnvironmentPicksTheHostOfTheKeyStore) {
     TBDataManager::useDev();
-    EXPECT_EQ(TBDataManager::baseURL(), "http://127.0.0.1:8081/v1/");
     manager().getTrending("all", 0, nullptr, nullptr);
     EXPECT_EQ(platform.http.request(0).url, "http://127.0.0.1:8081/v1/music/trending?page=1");
-
-    TBDataManager::useProd();
-    EXPECT_EQ(TBDataManager::baseURL(), kLiveBase);
 }
 
 TEST_F(TBDataManagerOperationsTest, ChartsNameTypeAndPeriodWithTheGenreInFrontUnlessAll) {
@@ -38,10 +43,8 @@ TEST_F(TBDataManagerOperationsTest, ChartsNameTypeAndPeriodWithTheGenreInFrontUn
     manager().getItems("songs", "", "daily", 0, nullptr, nullptr);
 
     EXPECT_EQ(call(0).method, "GET");
-    EXPECT_EQ(call(0).path, "chart/songs/weekly");
-    EXPECT_EQ(call(0).params, (Params{{"page", "1"}}));
-    EXPECT_EQ(call(1).path, "rap/chart/albums/monthly");
-    EXPECT_EQ(call(1).params, (Params{{"page", "3"}}));
+    expectCall(0, "chart/songs/weekly", Params{{"page", "1"}});
+    expectCall(1, "rap/chart/albums/monthly", Params{{"page", "3"}});
     EXPECT_EQ(call(2).path, "chart/songs/daily");
 }
 
@@ -52,11 +55,9 @@ TEST_F(TBDataManagerOperationsTest, TrendingAndRecentPutTheGenreBeforeTheirName)
     manager().getRecent("dj-mix", 1, nullptr, nullptr);
 
     EXPECT_EQ(call(0).path, "music/trending");
-    EXPECT_EQ(call(1).path, "music/afrobeats/trending");
-    EXPECT_EQ(call(1).params, (Params{{"page", "5"}}));
+    expectCall(1, "music/afrobeats/trending", Params{{"page", "5"}});
     EXPECT_EQ(call(2).path, "music/recent");
-    EXPECT_EQ(call(3).path, "music/dj-mix/recent");
-    EXPECT_EQ(call(3).params, (Params{{"page", "2"}}));
+    expectCall(3, "music/dj-mix/recent", Params{{"page", "2"}});
 }
 
 TEST_F(TBDataManagerOperationsTest, PagedListsDropRestrictedMusicAndReturnTheirCall) {
@@ -90,8 +91,7 @@ TEST_F(TBDataManagerOperationsTest, DownloadsAskFiftyOfATypeAndSendATokenOnlyWhe
     manager().getDownloads("songs", std::string(), nullptr, nullptr);
     manager().getDownloads("albums", std::string("tok"), nullptr, nullptr);
 
-    EXPECT_EQ(call(0).path, "user/downloads");
-    EXPECT_EQ(call(0).params, (Params{{"type", "all"}, {"limit", "50"}}));
+    expectCall(0, "user/downloads", Params{{"type", "all"}, {"limit", "50"}});
     EXPECT_EQ(call(1).params, (Params{{"type", "songs"}, {"limit", "50"}}));
     EXPECT_EQ(call(2).params,
               (Params{{"type", "albums"}, {"limit", "50"}, {"paging_token", "tok"}}));
@@ -106,13 +106,11 @@ TEST_F(TBDataManagerOperationsTest, InfoReadsAskByIdOrBySlugAndMapTheResultsDict
     manager().getSongInfoWithIdentifier("uploader/song-slug", json::object(), keep, nullptr);
     manager().getPlaylistInfo("curator/mix", json{{"key", "k2"}}, keep, nullptr);
 
-    EXPECT_EQ(call(0).path, "music/album/77");
-    EXPECT_EQ(call(0).params, (Params{{"key", "k1"}}));
+    expectCall(0, "music/album/77", Params{{"key", "k1"}});
     EXPECT_EQ(call(1).path, "music/uploader/album-slug");
     EXPECT_EQ(call(2).path, "music/song/12");
     EXPECT_EQ(call(3).path, "music/uploader/song-slug");
-    EXPECT_EQ(call(4).path, "playlist/curator/mix");
-    EXPECT_EQ(call(4).params, (Params{{"key", "k2"}}));
+    expectCall(4, "playlist/curator/mix", Params{{"key", "k2"}});
 
     auto album = songJson("77", "An album");
     album["type"] = "album";
@@ -148,10 +146,8 @@ TEST_F(TBDataManagerOperationsTest, CategoriesAndSuggestionsHandOverTheirResults
         [&](const JSON& results) { categories = results.raw(); }, nullptr);
     manager().searchAutosuggest("dra", [&](const JSON& results) { suggestions = results.raw(); });
 
-    EXPECT_EQ(call(0).path, "tags/page/1");
-    EXPECT_EQ(call(0).params, (Params{{"include_playlists", "no"}}));
-    EXPECT_EQ(call(1).path, "search_autosuggest");
-    EXPECT_EQ(call(1).params, (Params{{"q", "dra"}}));
+    expectCall(0, "tags/page/1", Params{{"include_playlists", "no"}});
+    expectCall(1, "search_autosuggest", Params{{"q", "dra"}});
 
     answer(0, 200, json{{"results", {"Chill", 3, "Workout"}}});
     answer(1, 200, json{{"results", {"drake", "drama"}}});
@@ -163,10 +159,8 @@ TEST_F(TBDataManagerOperationsTest, PlaylistsOfATagPageInThePathExceptTrending) 
     manager().getPlaylistsForTag("Trending", 0, nullptr, nullptr);
     manager().getPlaylistsForTag("Chill", 1, nullptr, nullptr);
 
-    EXPECT_EQ(call(0).path, "playlist/trending");
-    EXPECT_EQ(call(0).params, (Params{{"page", "1"}}));
-    EXPECT_EQ(call(1).path, "tags/Chill/page/2");
-    EXPECT_THAT(call(1).params, IsEmpty());
+    expectCall(0, "playlist/trending", Params{{"page", "1"}});
+    expectCall(1, "tags/Chill/page/2");
 }
 
 TEST_F(TBDataManagerOperationsTest, SearchSendsItsFiltersOnlyWhenSet) {
@@ -174,17 +168,15 @@ TEST_F(TBDataManagerOperationsTest, SearchSendsItsFiltersOnlyWhenSet) {
     manager().search("drake", "albums", "recent", true, "rap", 3, nullptr, nullptr);
     manager().searchUserAccount("mine", "playlists", 1, nullptr, nullptr);
 
-    EXPECT_EQ(call(0).path, "search");
-    EXPECT_EQ(call(0).params,
-              (Params{{"q", "drake"}, {"show", "songs"}, {"sort", "popular"}, {"page", "1"}}));
+    expectCall(0, "search",
+               Params{{"q", "drake"}, {"show", "songs"}, {"sort", "popular"}, {"page", "1"}});
     EXPECT_EQ(call(1).params, (Params{{"q", "drake"},
                                       {"show", "albums"},
                                       {"sort", "recent"},
                                       {"page", "4"},
                                       {"verified", "on"},
                                       {"genre", "rap"}}));
-    EXPECT_EQ(call(2).path, "user/search");
-    EXPECT_EQ(call(2).params, (Params{{"q", "mine"}, {"show", "playlists"}, {"page", "2"}}));
+    expectCall(2, "user/search", Params{{"q", "mine"}, {"show", "playlists"}, {"page", "2"}});
 }
 
 std::vector<std::string> rowNames(const std::vector<TBSearchRow>& rows) {
@@ -250,22 +242,14 @@ TEST_F(TBDataManagerOperationsTest, AccountListsAskTheirPathsWithTheirPaging) {
     manager().getMyFeedAtPage(1, true, nullptr, nullptr);
     manager().getHighlightsForSlug("some-one", false, nullptr, nullptr);
 
-    EXPECT_EQ(call(0).path, "artist/some-one");
-    EXPECT_THAT(call(0).params, IsEmpty());
-    EXPECT_EQ(call(1).path, "artist/some-one/uploads");
-    EXPECT_EQ(call(1).params, (Params{{"page", "1"}}));
-    EXPECT_EQ(call(2).path, "artist/some-one/favorites");
-    EXPECT_EQ(call(2).params, (Params{{"show", "songs"}, {"page", "2"}}));
-    EXPECT_EQ(call(3).path, "artist/some-one/playlists");
-    EXPECT_EQ(call(3).params, (Params{{"page", "3"}}));
-    EXPECT_EQ(call(4).path, "artist/some-one/following");
-    EXPECT_THAT(call(4).params, IsEmpty());
-    EXPECT_EQ(call(5).path, "artist/some-one/follows");
-    EXPECT_EQ(call(5).params, (Params{{"paging_token", "t2"}}));
-    EXPECT_EQ(call(6).path, "user/follow");
-    EXPECT_EQ(call(6).params, (Params{{"page", "1"}}));
-    EXPECT_EQ(call(7).path, "user/feed");
-    EXPECT_EQ(call(7).params, (Params{{"page", "1"}}));
+    expectCall(0, "artist/some-one");
+    expectCall(1, "artist/some-one/uploads", Params{{"page", "1"}});
+    expectCall(2, "artist/some-one/favorites", Params{{"show", "songs"}, {"page", "2"}});
+    expectCall(3, "artist/some-one/playlists", Params{{"page", "3"}});
+    expectCall(4, "artist/some-one/following");
+    expectCall(5, "artist/some-one/follows", Params{{"paging_token", "t2"}});
+    expectCall(6, "user/follow", Params{{"page", "1"}});
+    expectCall(7, "user/feed", Params{{"page", "1"}});
     EXPECT_EQ(call(8).params, (Params{{"page", "2"}, {"only_uploads", "1"}}));
     EXPECT_EQ(call(9).path, "artist/some-one/pinned");
 
@@ -313,12 +297,10 @@ TEST_F(TBDataManagerOperationsTest, NotificationsAskUnseenOnlyUnlessAggregated) 
     manager().getNotifications(std::string("p2"), false, nullptr, nullptr);
     manager().markNotificationsAsSeen();
 
-    EXPECT_EQ(call(0).path, "user/native-notifications");
-    EXPECT_THAT(call(0).params, IsEmpty());
+    expectCall(0, "user/native-notifications");
     EXPECT_EQ(call(1).params, (Params{{"paging_token", "p2"}, {"only_unseen", "1"}}));
     EXPECT_EQ(call(2).method, "POST");
-    EXPECT_EQ(call(2).path, "user/native-notifications/seen");
-    EXPECT_EQ(call(2).params, (Params{{"for_all", "true"}}));
+    expectCall(2, "user/native-notifications/seen", Params{{"for_all", "true"}});
 
     answer(0, 200,
            json{{"results",
@@ -333,47 +315,32 @@ TEST_F(TBDataManagerOperationsTest, NotificationsAskUnseenOnlyUnlessAggregated) 
 
 TEST_F(TBDataManagerOperationsTest, NotificationsWithoutAListFailWithTheEmptyDictionary) {
     ListOutcome outcome;
-    bool succeeded = false;
-    manager().getNotifications(
-        std::nullopt, true,
-        [&](const std::vector<TBNotification>&, const std::optional<std::int64_t>& count,
-            const std::optional<std::string>&) {
-            succeeded = true;
-            EXPECT_EQ(count, std::nullopt);
-        },
-        failureInto(outcome));
-    manager().getNotifications(
-        std::nullopt, true,
-        [&](const std::vector<TBNotification>&, const std::optional<std::int64_t>& count,
-            const std::optional<std::string>&) {
-            succeeded = true;
-            EXPECT_EQ(count, std::nullopt) << "a null counter is no count";
-        },
-        nullptr);
+    std::vector<std::optional<std::int64_t>> counts;
+    const auto keepCount = [&](const std::vector<TBNotification>&,
+                               const std::optional<std::int64_t>& count,
+                               const std::optional<std::string>&) { counts.push_back(count); };
+    manager().getNotifications(std::nullopt, true, keepCount, failureInto(outcome));
+    manager().getNotifications(std::nullopt, true, keepCount, nullptr);
     answer(0, 200, json{{"results", {{"verb", "follow"}}}});
-    EXPECT_FALSE(succeeded);
+    EXPECT_TRUE(counts.empty());
     ASSERT_EQ(outcome.failures, 1);
     EXPECT_TRUE(outcome.failure->isEmpty);
 
     answer(1, 200, json{{"results", json::array()}, {"counters", {{"unseen", nullptr}}}});
-    EXPECT_TRUE(succeeded);
+    EXPECT_EQ(counts, (std::vector<std::optional<std::int64_t>>{std::nullopt}))
+        << "a null counter is no count";
 }
 
 TEST_F(TBDataManagerOperationsTest, ForgotPasswordFailsWithTheServicesWordsForTheField) {
     std::vector<std::string> messages;
     int successes = 0;
-    auto send = [&] {
+    for (int i = 0; i < 4; ++i) {
         manager().forgotPassword(
             "me@example.com", [&] { ++successes; },
             [&](const std::string& message) { messages.push_back(message); });
-    };
-    send();
-    send();
-    send();
-    send();
+    }
     EXPECT_EQ(call(0).method, "POST");
-    EXPECT_EQ(call(0).path, "user/forgot-password");
-    EXPECT_EQ(call(0).params, (Params{{"email", "me@example.com"}}));
+    expectCall(0, "user/forgot-password", Params{{"email", "me@example.com"}});
 
     answer(0, 404,
            json{{"message", "Unknown email"},
@@ -397,8 +364,7 @@ TEST_F(TBDataManagerOperationsTest, MusicAvailabilityKeepsTextAndNumbersOfTheAns
         failureInto(outcome));
 
     EXPECT_EQ(call(0).method, "POST");
-    EXPECT_EQ(call(0).path, "music/status");
-    EXPECT_EQ(call(0).params, (Params{{"music_id", "1,22,333"}}));
+    expectCall(0, "music/status", Params{{"music_id", "1,22,333"}});
 
     answer(0, 200, json::parse(R"(["1", 22, null, {"id": 5}, [6], true, 7.5])"));
     EXPECT_THAT(gone, ElementsAre("1", "22", "7.5"));
@@ -414,8 +380,7 @@ TEST_F(TBDataManagerOperationsTest, NowPlayingPagesRepeatTheCallOfTheList) {
     next.nextPage();
     manager().getMusicFromNowPlaying(next, nullptr, nullptr);
 
-    EXPECT_EQ(call(1).path, "music/pop/recent");
-    EXPECT_EQ(call(1).params, (Params{{"page", "2"}}));
+    expectCall(1, "music/pop/recent", Params{{"page", "2"}});
 
     ListOutcome outcome;
     manager().getMusicFromNowPlaying(NextPageData(), itemsInto(outcome), failureInto(outcome));

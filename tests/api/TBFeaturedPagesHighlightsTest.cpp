@@ -114,22 +114,24 @@ TEST_F(AllMusicPagesTest, AsksPageAfterPageUntilAnEmptyOne) {
     }
 }
 
-TEST_F(AllMusicPagesTest, AFailedPageEndsWithWhatWasCollected) {
-    manager().getAllMusicPages(
-        playlistPage(), [this](const std::vector<ItemPtr>& items) { all = items; }, nullptr);
-    answerPages({{200, resultsOf({songJson("1")})},
-                 {200, resultsOf({songJson("2")})},
-                 {500, json::object()}});
-    ASSERT_TRUE(all);
-    EXPECT_THAT(idsOf(*all), ElementsAre("1", "2"));
-}
-
-TEST_F(AllMusicPagesTest, AnAnswerWithoutAListEndsTheWalk) {
-    manager().getAllMusicPages(
-        playlistPage(), [this](const std::vector<ItemPtr>& items) { all = items; }, nullptr);
-    answerPages({{200, resultsOf({songJson("1")})}, {200, json{{"results", songJson("2")}}}});
-    ASSERT_TRUE(all);
-    EXPECT_THAT(idsOf(*all), ElementsAre("1"));
+// A failed page and an answer without a list both end the walk with what came before.
+TEST_F(AllMusicPagesTest, AFailedPageOrAnAnswerWithoutAListEndsWithWhatWasCollected) {
+    const std::vector<std::pair<int, json>> endings = {{500, json::object()},
+                                                       {200, json{{"results", songJson("9")}}}};
+    for (const auto& ending : endings) {
+        SCOPED_TRACE(ending.second.dump());
+        all.reset();
+        const std::size_t before = sentCount();
+        manager().getAllMusicPages(
+            playlistPage(), [this](const std::vector<ItemPtr>& items) { all = items; }, nullptr);
+        platform.queue.runUntilIdle();
+        answer(before, 200, resultsOf({songJson("1")}));
+        answer(before + 1, 200, resultsOf({songJson("2")}));
+        answer(before + 2, ending.first, ending.second);
+        ASSERT_TRUE(all);
+        EXPECT_THAT(idsOf(*all), ElementsAre("1", "2"));
+        EXPECT_EQ(sentCount(), before + 3);
+    }
 }
 
 class HighlightsTest : public CatalogueTest {
@@ -137,23 +139,9 @@ class HighlightsTest : public CatalogueTest {
     HighlightsTest() {
         session.signedIn = true;
         session.slug = "me";
-        session.current = {item("10", "song"), item("11", "playlist"), track("12")};
-    }
-
-    static ItemPtr item(const std::string& id, const std::string& type) {
-        auto made = std::make_shared<Item>();
-        made->itemID = id;
-        made->type = type;
-        made->isSong = type == "song";
-        made->isAlbum = type == "album";
-        made->isPlaylist = type == "playlist";
-        return made;
-    }
-    static ItemPtr track(const std::string& id) {
-        auto made = item(id, "album");
-        made->isAlbum = false;
-        made->isAlbumTrack = true;
-        return made;
+        auto track = albumTrack("12", "al");
+        track->type = "album";  // a track is pinned as a song whatever its type says
+        session.current = {song("10"), playlist("11", {}), track};
     }
 
     json entitiesOf(std::size_t index) const {
@@ -164,7 +152,7 @@ class HighlightsTest : public CatalogueTest {
 TEST_F(HighlightsTest, AddSendsTheNewEntityFirstThenTheCurrentList) {
     json answered;
     manager().addToHighlights(
-        item("20", "album"), [&](const JSON& response) { answered = response.raw(); }, nullptr);
+        album("20", {}), [&](const JSON& response) { answered = response.raw(); }, nullptr);
     EXPECT_EQ(call(0).method, "POST");
     EXPECT_EQ(call(0).url, std::string(kLiveBase) + "artist/me/pinned");
     EXPECT_EQ(entitiesOf(0), json::parse(R"([{"kind":"album","id":"20"},{"kind":"song","id":"10"},
@@ -175,8 +163,8 @@ TEST_F(HighlightsTest, AddSendsTheNewEntityFirstThenTheCurrentList) {
 }
 
 TEST_F(HighlightsTest, RemoveAndReorderSendTheListAsItShouldBe) {
-    manager().removeFromHighlights(item("11", "playlist"), nullptr, nullptr);
-    manager().reorderHighlights({item("11", "playlist"), item("10", "song")}, nullptr, nullptr);
+    manager().removeFromHighlights(playlist("11", {}), nullptr, nullptr);
+    manager().reorderHighlights({playlist("11", {}), song("10")}, nullptr, nullptr);
 
     EXPECT_EQ(call(0).method, "DELETE");
     EXPECT_EQ(call(0).path, "artist/me/pinned");
@@ -189,7 +177,7 @@ TEST_F(HighlightsTest, RemoveAndReorderSendTheListAsItShouldBe) {
 
 TEST_F(HighlightsTest, WritesFailStraightAwayWithNoRefreshReportOrToast) {
     ListOutcome outcome;
-    manager().addToHighlights(item("20", "song"), nullptr, failureInto(outcome));
+    manager().addToHighlights(song("20"), nullptr, failureInto(outcome));
     answer(0, 401, std::string(R"({"errorcode":401})"));
 
     ASSERT_EQ(outcome.failures, 1);
@@ -198,7 +186,7 @@ TEST_F(HighlightsTest, WritesFailStraightAwayWithNoRefreshReportOrToast) {
     EXPECT_THAT(platform.errors.records, IsEmpty());
 
     session.slug.reset();
-    manager().removeFromHighlights(item("10", "song"), nullptr, failureInto(outcome));
+    manager().removeFromHighlights(song("10"), nullptr, failureInto(outcome));
     platform.queue.runUntilIdle();
     EXPECT_EQ(outcome.failures, 2);
     EXPECT_TRUE(outcome.failure->isEmpty);

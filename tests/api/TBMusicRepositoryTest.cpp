@@ -67,10 +67,7 @@ TEST_F(TBMusicRepositoryTest, FailuresRejectWithTheServicesErrorcodeWhenItGaveOn
 
 TEST_F(TBMusicRepositoryTest, HighlightWritesSettleWithTheirAnswer) {
     session.slug = "me";
-    auto item = std::make_shared<Item>();
-    item->itemID = "5";
-    item->type = "song";
-    item->isSong = true;
+    const auto item = song("5");
     const auto added = repository.addToHighlights(item);
     const auto removed = repository.removeFromHighlights(item);
     const auto listed = repository.getHighlightsWithUserSlug(std::string("me"), true);

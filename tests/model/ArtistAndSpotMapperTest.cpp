@@ -62,12 +62,6 @@ TEST(ArtistMapperTest, CountsAreWholeNumbersFromTextReadFromTheirOwnKeys) {
     EXPECT_FALSE(artist->followed);  // never taken from the answer
 }
 
-TEST(ArtistMapperTest, PinnedThatIsNoArrayCountsZero) {
-    nlohmann::json raw = fixture("artist.json").raw();
-    raw["pinned"] = {{"a", 1}, {"b", 2}};
-    EXPECT_EQ(Artist::parseFrom(JSON(raw))->pinnedCount, 0);
-}
-
 TEST(ArtistMapperTest, CreatedIsSecondsSince1970AsANumberOrADecimalText) {
     nlohmann::json raw = fixture("artist.json").raw();
     const auto createdOf = [&raw](nlohmann::json value) {
@@ -83,7 +77,8 @@ TEST(ArtistMapperTest, CreatedIsSecondsSince1970AsANumberOrADecimalText) {
     EXPECT_EQ(createdOf(nullptr), std::nullopt);
 }
 
-TEST(ArtistMapperTest, AnAccountWithoutAnIdIsStillReadAndOnlyNonDictionariesGiveNothing) {
+// Anything but a dictionary gives no account: HostileAnswerTest covers that for every mapper.
+TEST(ArtistMapperTest, AnAccountWithoutAnIdIsStillRead) {
     nlohmann::json raw = fixture("artist.json").raw();
     raw.erase("id");
     const ArtistPtr withoutId = Artist::parseFrom(JSON(raw));
@@ -91,11 +86,7 @@ TEST(ArtistMapperTest, AnAccountWithoutAnIdIsStillReadAndOnlyNonDictionariesGive
     EXPECT_EQ(withoutId->artistId, "");  // the string value of nothing
     EXPECT_EQ(withoutId->urlSlug, "ama-k");
     ASSERT_TRUE(Artist::parseFrom(JSON(nlohmann::json::object())));
-
     EXPECT_FALSE(Artist::parseFrom(JSON()));
-    EXPECT_FALSE(Artist::parseFrom(JSON::parse("[1, 2]")));
-    EXPECT_FALSE(Artist::parseFrom(JSON::parse("\"a-1\"")));
-    EXPECT_FALSE(Artist::parseFrom(JSON::parse("null")));
 }
 
 TEST(ArtistMapperTest, ActorsAndSpotsWithoutAnIdKeepTheirAccount) {

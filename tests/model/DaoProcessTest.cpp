@@ -1,16 +1,9 @@
 // A process killed in the middle of the DAO's saves: the next launch opens the store without
 // an error and finds every row whose save was over.
 
-#include <chrono>
 #include <cstdio>
 #include <random>
 #include <set>
-#include <sstream>
-
-#include <poll.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "model/ItemDAO.h"
 #include "model/PlaylistTracks.h"
@@ -40,35 +33,6 @@ namespace {
     }
 }
 
-std::string readUntil(int fd, std::chrono::steady_clock::time_point deadline) {
-    std::string read;
-    char buffer[4096];
-    while (std::chrono::steady_clock::now() < deadline) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            deadline - std::chrono::steady_clock::now());
-        pollfd ready{fd, POLLIN, 0};
-        if (poll(&ready, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0))) <= 0) {
-            continue;
-        }
-        const ssize_t got = ::read(fd, buffer, sizeof buffer);
-        if (got <= 0) {
-            break;
-        }
-        read.append(buffer, static_cast<std::size_t>(got));
-    }
-    return read;
-}
-
-// Whole lines only: a line the kill cut short is no report.
-std::set<std::string> reportedIds(const std::string& reported) {
-    std::set<std::string> ids;
-    std::istringstream lines(reported.substr(0, reported.rfind('\n') + 1));
-    for (std::string line; std::getline(lines, line);) {
-        ids.insert(line);
-    }
-    return ids;
-}
-
 TEST(DaoProcessTest, AKillInTheMiddleOfDaoSavesLeavesAStoreThatOpensWithEverySavedRow) {
     std::random_device seedSource;
     const unsigned seed = seedSource();
@@ -78,22 +42,8 @@ TEST(DaoProcessTest, AKillInTheMiddleOfDaoSavesLeavesAStoreThatOpensWithEverySav
 
     for (int round = 0; round < 3; ++round) {
         TestPlatform device;
-        int fds[2];
-        ASSERT_EQ(pipe(fds), 0);
-        const pid_t pid = fork();
-        if (pid == 0) {
-            close(fds[0]);
-            downloadForEver(device, fds[1]);
-        }
-        close(fds[1]);
-        std::string reported = readUntil(
-            fds[0], std::chrono::steady_clock::now() + std::chrono::milliseconds(delay(random)));
-        kill(pid, SIGKILL);
-        waitpid(pid, nullptr, 0);
-        reported +=
-            readUntil(fds[0], std::chrono::steady_clock::now() + std::chrono::milliseconds(50));
-        close(fds[0]);
-        const auto saved = reportedIds(reported);
+        const auto saved =
+            linesBeforeKill([&](int out) { downloadForEver(device, out); }, delay(random));
 
         Launch next(device);
         next.startup();
@@ -101,10 +51,8 @@ TEST(DaoProcessTest, AKillInTheMiddleOfDaoSavesLeavesAStoreThatOpensWithEverySav
         ASSERT_NE(next.store(), nullptr);
         const auto stored = next.dao().fetch(next.dao().allDownloadsCompletedPredicate());
         ASSERT_TRUE(stored);
-        std::set<std::string> complete;
-        for (const auto& row : *stored) {
-            complete.insert(*row->itemID);
-        }
+        const auto ids = idsOf(*stored);
+        const std::set<std::string> complete(ids.begin(), ids.end());
         for (const std::string& id : saved) {
             EXPECT_TRUE(complete.count(id))
                 << id << " was saved but is gone (round " << round << ")";

@@ -33,14 +33,10 @@ class DebugExportTest : public DaoTest {
 TEST_F(DebugExportTest, ExportTextHasOneLinePerCachedListRowNewestFirst) {
     auto older = insertRow(downloadedSong("older", false, 1700000000.75));
     writeBytes(older->localFileURL(documents()), 12345);
-    auto newer = insertRow(downloadedSong("newer", true, 1800000000));
-    newer->cached = true;
-    auto noDate = insertRow(song("my song"));
-    noDate->type.reset();
+    insertRow(
+        with(downloadedSong("newer", true, 1800000000), [](Item& row) { row.cached = true; }));
+    insertRow(with(song("my song"), [](Item& row) { row.type.reset(); }));
     insertRow(playlist("list", {}));  // not in the list
-    newer->didChange();
-    noDate->didChange();
-    store().save();
 
     EXPECT_EQ(dao().debugExportText(),
               std::string(kHeader) + "newer,true," + fileURL("newer.mp3") +

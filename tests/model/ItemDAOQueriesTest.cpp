@@ -20,41 +20,32 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
+using ::testing::UnorderedElementsAreArray;
 
 class ItemDAOQueriesTest : public DaoTest {
   protected:
     // Rows in every offline state, each named after what it is.
     void storeEveryKind() {
+        const auto cached = [](Item& row) { row.cached = true; };
+        const auto downloaded = [](Item& row) { row.downloaded = row.downloadCompleted = true; };
         insertRow(downloadedSong("song", true, 100));
-        auto songSynced = insertRow(downloadedSong("songSynced", true, 90));
-        songSynced->synced = true;
+        insertRow(
+            with(downloadedSong("songSynced", true, 90), [](Item& row) { row.synced = true; }));
         insertRow(downloadedSong("songRunning", false, 80));
-        auto cachedSong = insertRow(downloadedSong("songCached", true, 70));
-        cachedSong->cached = true;
+        insertRow(with(downloadedSong("songCached", true, 70), cached));
         insertRow(song("songNotOffline"));
-        auto albumRow = insertRow(album("album", {}));
-        albumRow->downloaded = true;
-        albumRow->downloadDate = 60;
-        auto single = insertRow(albumTrack("single", "gone"));
-        single->downloaded = true;
-        single->downloadCompleted = true;
-        single->albumTrackDownloadedAsSingle = true;
-        single->downloadDate = 50;
-        auto ofAlbum = insertRow(albumTrack("ofAlbum", "album"));
-        ofAlbum->downloaded = true;
-        ofAlbum->downloadCompleted = true;
-        auto playlistRow = insertRow(playlist("playlist", {}));
-        playlistRow->downloaded = true;
-        auto ofPlaylist = insertRow(playlistTrack("ofPlaylist", "playlist"));
-        ofPlaylist->downloaded = true;
-        ofPlaylist->downloadCompleted = true;
-        auto cachedPlaylist = insertRow(playlist("playlistCached", {}));
-        cachedPlaylist->cached = true;
-        for (const auto& row : {songSynced, cachedSong, albumRow, single, ofAlbum, playlistRow,
-                                ofPlaylist, cachedPlaylist}) {
-            row->didChange();
-        }
-        store().save();
+        insertRow(with(album("album", {}), [](Item& row) {
+            row.downloaded = true;
+            row.downloadDate = 60;
+        }));
+        insertRow(with(albumTrack("single", "gone"), [](Item& row) {
+            row.downloaded = row.downloadCompleted = row.albumTrackDownloadedAsSingle = true;
+            row.downloadDate = 50;
+        }));
+        insertRow(with(albumTrack("ofAlbum", "album"), downloaded));
+        insertRow(with(playlist("playlist", {}), [](Item& row) { row.downloaded = true; }));
+        insertRow(with(playlistTrack("ofPlaylist", "playlist"), downloaded));
+        insertRow(with(playlist("playlistCached", {}), cached));
     }
 };
 
@@ -78,11 +69,11 @@ TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
                 UnorderedElementsAre("song", "songSynced", "songCached", "single", "ofAlbum",
                                      "ofPlaylist"));
 
+    // The id lists are those of their predicates.
     EXPECT_THAT(dao().unsyncedDownloadsIds(),
-                UnorderedElementsAre("song", "songRunning", "album", "single"));
+                UnorderedElementsAreArray(idsWhere(dao().unsyncedDownloadsPredicate())));
     EXPECT_THAT(dao().offlineIds(),
-                UnorderedElementsAre("song", "songSynced", "songRunning", "album", "single",
-                                     "ofAlbum", "ofPlaylist"));
+                UnorderedElementsAreArray(idsWhere(dao().offlineIdsPredicate())));
     // The cached list comes newest first; rows without a date sort last.
     const auto cached = dao().cachedItems();
     ASSERT_TRUE(cached);
@@ -96,11 +87,9 @@ TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
 TEST_F(ItemDAOQueriesTest, TheOfflineOrdersAreNewestOldestAndByArtist) {
     for (auto [id, date, artist] : {std::tuple{"b", 200, "Zed"}, std::tuple{"a", 300, "Abba"},
                                     std::tuple{"c", 100, "Moby"}}) {
-        auto row = insertRow(downloadedSong(id, true, date));
-        row->artist = artist;
-        row->didChange();
+        insertRow(
+            with(downloadedSong(id, true, date), [a = artist](Item& row) { row.artist = a; }));
     }
-    store().save();
     const auto order = [&](category::OfflineSorting sorting) {
         return idsWhere(dao().offlineSongsPredicate(), {dao().sortDescriptorFor(sorting)});
     };
@@ -112,15 +101,12 @@ TEST_F(ItemDAOQueriesTest, TheOfflineOrdersAreNewestOldestAndByArtist) {
 }
 
 TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButNotSaved) {
-    auto first = insertRow(playlist("p1", {}));
-    first->downloaded = true;
-    first->downloadDate = 10;
-    auto second = insertRow(playlist("p2", {}));
-    second->downloaded = true;
-    second->downloadDate = 20;
-    first->didChange();
-    second->didChange();
-    store().save();
+    for (const auto& [id, date] : {std::pair{"p1", 10}, std::pair{"p2", 20}}) {
+        insertRow(with(playlist(id, {}), [date = date](Item& row) {
+            row.downloaded = true;
+            row.downloadDate = date;
+        }));
+    }
     PlaylistTracks::saveEntryForPlaylist(saving(), "p1", "t1", 0);
     PlaylistTracks::saveEntryForPlaylist(saving(), "p1", "t2", 1);
     PlaylistTracks::saveEntryForPlaylist(saving(), "p2", "t1", 0);
@@ -136,24 +122,22 @@ TEST_F(ItemDAOQueriesTest, OfflinePlaylistsComeWithTheirTrackCountsRefreshedButN
 
 TEST_F(ItemDAOQueriesTest,
        TheOfflineSearchFindsDownloadedMusicByTitleOrArtistWithoutCaseOrAccents) {
-    auto bjork = insertRow(downloadedSong("bjork", true));
-    bjork->artist = "Björk";
-    auto remix = insertRow(downloadedSong("title", true));
-    remix->title = "Army of Me (BJORK remix)";
-    auto track = insertRow(albumTrack("track", "album"));
-    track->downloaded = true;
-    track->title = "bjork live";
+    insertRow(with(downloadedSong("bjork", true), [](Item& row) { row.artist = "Björk"; }));
+    insertRow(with(downloadedSong("title", true),
+                   [](Item& row) { row.title = "Army of Me (BJORK remix)"; }));
+    insertRow(with(albumTrack("track", "album"), [](Item& row) {
+        row.downloaded = true;
+        row.title = "bjork live";
+    }));
     insertRow(song("notDownloaded", "Bjork", "x"));
-    auto cached = insertRow(downloadedSong("cached", true));
-    cached->artist = "Bjork";
-    cached->cached = true;
-    auto list = insertRow(playlist("list", {}));
-    list->downloaded = true;
-    list->title = "Bjork mix";
-    for (const auto& row : {bjork, remix, track, cached, list}) {
-        row->didChange();
-    }
-    store().save();
+    insertRow(with(downloadedSong("cached", true), [](Item& row) {
+        row.artist = "Bjork";
+        row.cached = true;
+    }));
+    insertRow(with(playlist("list", {}), [](Item& row) {
+        row.downloaded = true;
+        row.title = "Bjork mix";
+    }));
 
     EXPECT_THAT(idsWhere(dao().offlineSearchPredicateFor("bJö")),
                 UnorderedElementsAre("bjork", "title", "track"));

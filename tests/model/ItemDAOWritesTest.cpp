@@ -89,10 +89,8 @@ TEST_F(ItemDAOWritesTest, AlbumTracksOnTheDeviceJoinTheAlbumWhilePlaylistItemsAl
 
 TEST_F(ItemDAOWritesTest, RemovingDuplicatesKeepsTheFirstRowAndTakesTheOthersDownloadsAlong) {
     countDownloadNotifications();
-    auto first = insertRow(downloadedSong("dup", true));
-    first->title = "first";
-    first->didChange();
-    store().save();
+    auto first =
+        insertRow(with(downloadedSong("dup", true), [](Item& row) { row.title = "first"; }));
     insertRow(downloadedSong("dup", false));
     insertRow(downloadedSong("dup", false));
     insertRow(downloadedSong("one", true));
@@ -112,9 +110,7 @@ TEST_F(ItemDAOWritesTest, RemovingDuplicatesKeepsTheFirstRowAndTakesTheOthersDow
 TEST_F(ItemDAOWritesTest, TheDownloadMarksSetTheFirstRowOfTheIdAndAreSaved) {
     insertRow(song("m"));
     auto second = insertRow(song("m"));
-    auto cached = insertRow(song("c"));
-    cached->cached = true;
-    store().save();
+    insertRow(with(song("c"), [](Item& row) { row.cached = true; }));
 
     dao().markAsDownloaded("m");
     EXPECT_THAT(savedColumn("Item", "downloaded", "itemID = 'm'"), ElementsAre("1", "0"));
@@ -131,11 +127,8 @@ TEST_F(ItemDAOWritesTest, SyncingAListMarksTheWholeOfflineSetAndOneIdItsRow) {
     insertRow(downloadedSong("a", true));
     insertRow(downloadedSong("b", false));
     insertRow(downloadedSong("c", true));
-    auto cached = insertRow(downloadedSong("cached", true));
-    cached->cached = true;
-    cached->didChange();
+    insertRow(with(downloadedSong("cached", true), [](Item& row) { row.cached = true; }));
     insertRow(song("plain"));
-    store().save();
     const auto synced = [&] { return savedColumn("Item", "itemID", "synced = 1"); };
 
     dao().markItemsAsSynced("");

@@ -27,6 +27,11 @@ JSON songWith(const std::string& key, nlohmann::json value) {
     return JSON(std::move(raw));
 }
 
+// The same through the song mapper, without the drop flag.
+ItemPtr mappedSongWith(const std::string& key, nlohmann::json value) {
+    return Item::parseItemFrom(songWith(key, std::move(value)), false);
+}
+
 // A phone-sized screen, so that the widths asked for differ from the desktop defaults, in
 // UTC unless a test says otherwise.
 class ItemMapperTest : public ::testing::Test {
@@ -72,7 +77,7 @@ TEST_F(ItemMapperTest, SizedImagesComeFromTheImageBaseWithTheScreensWidths) {
     EXPECT_EQ(song->smallImage, "https://img.tunebrook.test/art/4815162-base.jpg?width=150");
 
     for (const nlohmann::json& noBase : {nlohmann::json(""), nlohmann::json()}) {
-        const ItemPtr plain = Item::parseItemFrom(songWith("image_base", noBase), false);
+        const ItemPtr plain = mappedSongWith("image_base", noBase);
         ASSERT_TRUE(plain);
         EXPECT_EQ(plain->originalImage, plain->image);
         EXPECT_EQ(plain->smallImage, plain->image);
@@ -119,7 +124,7 @@ TEST_F(ItemMapperTest, SongWithoutIdIsNilWhateverElseItHas) {
         raw["id"] = noId;
         EXPECT_FALSE(Item::parseItemFrom(JSON(raw), false)) << noId.dump();
     }
-    EXPECT_FALSE(Item::parseItemFrom(songWith("id", nullptr), false));
+    EXPECT_FALSE(mappedSongWith("id", nullptr));
 }
 
 TEST_F(ItemMapperTest, TheDropFlagDropsOnlyGeoRestrictedMusic) {
@@ -146,10 +151,10 @@ TEST_F(ItemMapperTest, StatisticsAreNumberDescriptionsOrTextAndRanksAreText) {
     EXPECT_EQ(song->rankYearly, std::nullopt);   // absent
     EXPECT_EQ(song->rankAllTime, "1200");        // "total"
 
-    const ItemPtr bare = Item::parseItemFrom(songWith("stats", nullptr), false);
+    const ItemPtr bare = mappedSongWith("stats", nullptr);
     EXPECT_EQ(bare->plays, std::nullopt);
     EXPECT_EQ(bare->rankAllTime, std::nullopt);
-    const ItemPtr wrong = Item::parseItemFrom(songWith("stats", {{"plays", {1, 2}}}), false);
+    const ItemPtr wrong = mappedSongWith("stats", {{"plays", {1, 2}}});
     EXPECT_EQ(wrong->plays, std::nullopt);
 }
 
@@ -158,52 +163,41 @@ TEST_F(ItemMapperTest, VolumeDataKeepsThePartsThatAreNumbersFromText) {
     // no fraction; a sign is part of a number.
     EXPECT_EQ(Item::parseItemFrom(fixture("song.json"), false)->volumeData,
               (Samples{0, 12, 7, 99}));
-    EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "1, 2,x,3,,4.0,+5"), false)->volumeData,
-              (Samples{1, 3, 5}));
-    EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "-7,\"8\",9 "), false)->volumeData,
-              (Samples{-7, 8}));
-    EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "5"), false)->volumeData, Samples{5});
-    EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", "a,b"), false)->volumeData, Samples{});
+    EXPECT_EQ(mappedSongWith("volume_data", "1, 2,x,3,,4.0,+5")->volumeData, (Samples{1, 3, 5}));
+    EXPECT_EQ(mappedSongWith("volume_data", "-7,\"8\",9 ")->volumeData, (Samples{-7, 8}));
+    EXPECT_EQ(mappedSongWith("volume_data", "5")->volumeData, Samples{5});
+    EXPECT_EQ(mappedSongWith("volume_data", "a,b")->volumeData, Samples{});
     for (const nlohmann::json& none :
          {nlohmann::json(""), nlohmann::json("\"\""), nlohmann::json(), nlohmann::json({1, 2})}) {
-        EXPECT_EQ(Item::parseItemFrom(songWith("volume_data", none), false)->volumeData,
-                  std::nullopt)
-            << none.dump();
+        EXPECT_EQ(mappedSongWith("volume_data", none)->volumeData, std::nullopt) << none.dump();
     }
 }
 
+// The text rule itself is TBUtilTest's; here a number is read through its text.
 TEST_F(ItemMapperTest, IntegersFromTextAcceptOnlyWholeNumbers) {
     const auto durationOf = [](nlohmann::json value) {
-        return Item::parseItemFrom(songWith("duration", std::move(value)), false)->duration;
+        return mappedSongWith("duration", std::move(value))->duration;
     };
     EXPECT_EQ(durationOf("245"), 245);
     EXPECT_EQ(durationOf(245), 245);
-    EXPECT_EQ(durationOf("-3"), -3);
-    EXPECT_EQ(durationOf("245.5"), 0);
-    EXPECT_EQ(durationOf(245.5), 0);  // its text is "245.5"
-    EXPECT_EQ(durationOf(" 245"), 0);
     EXPECT_EQ(durationOf("4:05"), 0);
-    EXPECT_EQ(durationOf("99999999999999999999"), 0);
+    EXPECT_EQ(durationOf(245.5), 0);  // its text is "245.5"
     EXPECT_EQ(durationOf(true), 0);
 }
 
 TEST_F(ItemMapperTest, RepostNameFallsBackToTheRepostKeyOnlyWithoutAText) {
     EXPECT_EQ(Item::parseItemFrom(fixture("song.json"), false)->repostArtistName, "DJ Relay");
-    EXPECT_EQ(
-        Item::parseItemFrom(songWith("repost_artist", {{"name", 5}}), false)->repostArtistName,
-        "Ignored Name");
-    EXPECT_EQ(Item::parseItemFrom(songWith("repost_artist", nullptr), false)->repostArtistName,
-              "Ignored Name");
+    EXPECT_EQ(mappedSongWith("repost_artist", {{"name", 5}})->repostArtistName, "Ignored Name");
+    EXPECT_EQ(mappedSongWith("repost_artist", nullptr)->repostArtistName, "Ignored Name");
 }
 
 TEST_F(ItemMapperTest, ReleaseDatesAreLongEnglishDatesOfTheDevicesDay) {
     const auto uploadedOf = [](nlohmann::json value) {
-        return Item::parseItemFrom(songWith("released", std::move(value)), false)->uploaded;
+        return mappedSongWith("released", std::move(value))->uploaded;
     };
+    // The calendar is DateTextTest's; here, what the mapper takes for seconds since 1970: a
+    // double, in text too.
     EXPECT_EQ(uploadedOf(0), "January 1, 1970");
-    EXPECT_EQ(uploadedOf(-1), "December 31, 1969");
-    EXPECT_EQ(uploadedOf(951782400.9), "February 29, 2000");
-    // Seconds since 1970 are a double, in text too.
     EXPECT_EQ(uploadedOf("1700000000"), "November 14, 2023");
     EXPECT_EQ(uploadedOf("1699919999.5"), "November 13, 2023");
     EXPECT_EQ(uploadedOf("+1.7e9"), "November 14, 2023");
@@ -212,14 +206,9 @@ TEST_F(ItemMapperTest, ReleaseDatesAreLongEnglishDatesOfTheDevicesDay) {
          {"soon", "1700000000 ", " 1700000000", "1e400", "inf", "nan", "+-1", "0x10", "", "."}) {
         EXPECT_EQ(uploadedOf(notSeconds), std::nullopt) << notSeconds;
     }
-    {
-        const test::ScopedTimeZone newYork("EST5EDT,M3.2.0,M11.1.0");
-        EXPECT_EQ(uploadedOf(0), "December 31, 1969");
-        EXPECT_EQ(uploadedOf("1700000000"), "November 14, 2023");  // 17:13 there
-    }
-    EXPECT_EQ(uploadedOf("soon"), std::nullopt);
-    EXPECT_EQ(uploadedOf(1e300), std::nullopt);
     EXPECT_EQ(uploadedOf(nullptr), std::nullopt);
+    const test::ScopedTimeZone newYork("EST5EDT,M3.2.0,M11.1.0");
+    EXPECT_EQ(uploadedOf(0), "December 31, 1969");  // the day of the device's zone
 }
 
 TEST_F(ItemMapperTest, AlbumTracksTakeTheirIdsAndPositionsAndSkipWhatHasNoId) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "model/Item.h"
+#include "support/DaoTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -63,9 +64,7 @@ TEST(ItemTest, ShareUrlUsesThePathOfTheKind) {
     EXPECT_EQ(shareOf(ItemType::unknown), std::nullopt);
     EXPECT_EQ(shareOf(ItemType::song, "https://tunebrook.test/"),
               "https://tunebrook.test/song/ama-k/harmattan");
-}
-
-TEST(ItemTest, ShareUrlNeedsBothSlugs) {
+    // Both slugs are needed.
     Item item = ofType(ItemType::song);
     item.urlSlug = "harmattan";
     EXPECT_EQ(item.shareURL(kWeb), std::nullopt);
@@ -144,15 +143,8 @@ TEST(ItemTest, AvailableEntriesLeaveOutRestrictedOnes) {
         album.items.push_back(track);
     }
     album.tracks.push_back(nullptr);
-    const auto ids = [](const std::vector<ItemPtr>& entries) {
-        std::vector<std::string> result;
-        for (const auto& entry : entries) {
-            result.push_back(*entry->itemID);
-        }
-        return result;
-    };
-    EXPECT_EQ(ids(album.availableTracks()), (std::vector<std::string>{"0", "2"}));
-    EXPECT_EQ(ids(album.availableItems()), (std::vector<std::string>{"0", "2"}));
+    EXPECT_EQ(test::idsOf(album.availableTracks()), (std::vector<std::string>{"0", "2"}));
+    EXPECT_EQ(test::idsOf(album.availableItems()), (std::vector<std::string>{"0", "2"}));
     EXPECT_TRUE(Item().availableItems().empty());
 }
 

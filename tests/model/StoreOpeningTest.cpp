@@ -406,17 +406,18 @@ TEST(StoreFullDiskTest, AFileSizeLimitReachesTheLowStorageAlertToo) {
 
 // The backup mark wants each of the three files: a store that failed without its sidecars
 // stops the process right there, as the launch always has.
-TEST(StoreOpeningDeathTest, AnUnreadableStoreWithoutSidecarsStopsTheProcessAtTheBackupMark) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    TestPlatform device;
-    fs::create_directory(storePathOf(device));
+class StoreOpeningDeathTest : public StoreOpeningTest {
+  protected:
+    StoreOpeningDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(StoreOpeningDeathTest, AnUnreadableStoreWithoutSidecarsStopsTheProcessAtTheBackupMark) {
+    fs::create_directory(path());
     EXPECT_DEATH(Launch(device).startup(),
                  "\\[\\[NSFileManager defaultManager\\] fileExistsAtPath: \\[URL path\\]\\]");
 }
 
-TEST(StoreOpeningDeathTest, TheBackupMarkWantsAnExistingFile) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    TestPlatform device;
+TEST_F(StoreOpeningDeathTest, TheBackupMarkWantsAnExistingFile) {
     Launch launch(device);
     writeBytes(device.home.file("present"), 4);
     EXPECT_TRUE(launch.data().addSkipBackupAttributeToItemAtURL(device.home.file("present")));
@@ -425,12 +426,8 @@ TEST(StoreOpeningDeathTest, TheBackupMarkWantsAnExistingFile) {
                  "fileExistsAtPath");
 }
 
-TEST(StoreOpeningDeathTest, TheStrictSaveStopsTheProcessWhenTheSaveFails) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    TestPlatform device;
-    fs::create_directory(storePathOf(device));
-    writeBytes(storePathOf(device) + "-wal", 0);
-    writeBytes(storePathOf(device) + "-shm", 0);
+TEST_F(StoreOpeningDeathTest, TheStrictSaveStopsTheProcessWhenTheSaveFails) {
+    makeUnreadable();
     Launch launch(device);
     launch.startup();
     launch.data().saveManagedObjectContext();  // nothing to write: nothing happens

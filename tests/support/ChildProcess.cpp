@@ -1,8 +1,12 @@
 #include "support/ChildProcess.h"
 
+#include <chrono>
 #include <fstream>
+#include <sstream>
 
+#include <poll.h>
 #include <sched.h>
+#include <signal.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -31,6 +35,47 @@ ChildResult runInChild(const std::function<int(int out)>& body) {
     waitpid(pid, &status, 0);
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return result;
+}
+
+std::set<std::string> linesBeforeKill(const std::function<void(int out)>& body, int milliseconds) {
+    int fds[2];
+    if (pipe(fds) != 0) {
+        return {};
+    }
+    const pid_t pid = fork();
+    if (pid == 0) {
+        close(fds[0]);
+        body(fds[1]);
+        _exit(0);
+    }
+    close(fds[1]);
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(milliseconds);
+    std::string reported;
+    char buffer[4096];
+    for (auto now = Clock::now(); now < deadline; now = Clock::now()) {
+        pollfd ready{fds[0], POLLIN, 0};
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now);
+        if (poll(&ready, 1, static_cast<int>(left.count())) > 0) {
+            const ssize_t got = read(fds[0], buffer, sizeof buffer);
+            if (got <= 0) {
+                break;
+            }
+            reported.append(buffer, static_cast<std::size_t>(got));
+        }
+    }
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
+    for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) > 0;) {
+        reported.append(buffer, static_cast<std::size_t>(got));
+    }
+    close(fds[0]);
+    std::set<std::string> lines;
+    std::istringstream whole(reported.substr(0, reported.rfind('\n') + 1));
+    for (std::string line; std::getline(whole, line);) {
+        lines.insert(line);
+    }
+    return lines;
 }
 
 void writeToParent(int out, const std::string& text) {

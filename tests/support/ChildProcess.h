@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 
 namespace tb::test {
@@ -18,6 +19,10 @@ inline constexpr int kSkipChild = 77;
 // Runs `body` in a forked child; what it writes to `out` comes back as text, and its result
 // is the exit status.
 ChildResult runInChild(const std::function<int(int out)>& body);
+
+// Runs `body` in a forked child and kills it after `milliseconds`; gives the whole lines it
+// wrote to `out` by then (a line the kill cut short is no report).
+std::set<std::string> linesBeforeKill(const std::function<void(int out)>& body, int milliseconds);
 
 // Writes `text` to the parent's pipe.
 void writeToParent(int out, const std::string& text);

@@ -83,6 +83,13 @@ ItemPtr albumTrack(const std::string& id, const std::string& albumId);
 ItemPtr playlist(const std::string& id, std::vector<ItemPtr> items);
 ItemPtr playlistTrack(const std::string& id, const std::string& playlistId);
 
+// `item` after `change`, to build a row's state in one expression.
+template <typename Change>
+ItemPtr with(ItemPtr item, Change change) {
+    change(*item);
+    return item;
+}
+
 // Inserts a row copied from `item` into the current store and saves it.
 ItemPtr insertRow(const ItemPtr& item);
 
