@@ -106,6 +106,11 @@ void ApiRouter::dispatch(const httplib::Request& request,
             call.captures.push_back(match[i].str());
         }
         route.handler(call);
+        // Every accepted call, with the account its token named (none without a token), so
+        // that a test can tell which requests carried the listener's token and how each ended.
+        events_.record(
+            "request", outcome.accountId,
+            {{"method", request.method}, {"path", *relative}, {"status", response.status}}, now);
         return;
     }
     if (pathKnown) {
