@@ -36,13 +36,21 @@ class HttpRemoteConfigTest : public ::testing::Test {
         return store;
     }
 
-    Outcome fetch(HttpRemoteConfig& store) {
+    // A fetch that the transport's rules answer, or `answer` with the request's index.
+    Outcome fetch(HttpRemoteConfig& store, const std::function<void(std::size_t)>& answer = {}) {
         Outcome outcome;
         store.fetch(0.0, [&outcome](Status status, std::optional<Error> error) {
             outcome = {status, std::move(error)};
         });
+        if (answer) {
+            answer(http.count() - 1);
+        }
         queue.runUntilIdle();
         return outcome;
+    }
+
+    static std::int64_t timing(const HttpRemoteConfig& store) {
+        return store.configValueForKey("timing").numberValue()->integerValue;
     }
 
     std::optional<Error> activate(HttpRemoteConfig& store) {
@@ -65,7 +73,7 @@ TEST_F(HttpRemoteConfigTest, FetchedValuesAreInForceOnlyOnceActivatedAndStayForT
     {
         auto store = open();
         EXPECT_EQ(fetch(*store).status, Status::Success);
-        EXPECT_EQ(store->configValueForKey("timing").numberValue()->integerValue, 275);
+        EXPECT_EQ(timing(*store), 275);
 
         EXPECT_EQ(activate(*store), std::nullopt);
         EXPECT_FALSE(store->configValueForKey("timing").numberValue());
@@ -91,19 +99,11 @@ class HttpRemoteConfigFailureTest : public HttpRemoteConfigTest,
 
 TEST_P(HttpRemoteConfigFailureTest, AFailedFetchReportsAnErrorAndChangesNothing) {
     auto store = open();
-    Outcome outcome;
-    const auto fetchAnswered = [&](std::size_t index, const auto& answer) {
-        store->fetch(0.0, [&outcome](Status status, std::optional<Error> error) {
-            outcome = {status, std::move(error)};
-        });
-        answer(index);
-        queue.runUntilIdle();
-    };
-    fetchAnswered(0, [this](std::size_t index) { http.respond(index, 200, R"({"timing": 60})"); });
+    fetch(*store, [this](std::size_t index) { http.respond(index, 200, R"({"timing": 60})"); });
     activate(*store);
 
     const auto& failure = GetParam();
-    fetchAnswered(1, [this, &failure](std::size_t index) {
+    const Outcome outcome = fetch(*store, [this, &failure](std::size_t index) {
         if (failure.transportError != 0) {
             http.fail(index, failure.transportError);
         } else {
@@ -113,8 +113,8 @@ TEST_P(HttpRemoteConfigFailureTest, AFailedFetchReportsAnErrorAndChangesNothing)
     EXPECT_EQ(outcome.status, Status::Failure);
     EXPECT_TRUE(outcome.error.has_value());
     EXPECT_EQ(activate(*store), std::nullopt);
-    EXPECT_EQ(store->configValueForKey("timing").numberValue()->integerValue, 60);
-    EXPECT_EQ(open()->configValueForKey("timing").numberValue()->integerValue, 60);
+    EXPECT_EQ(timing(*store), 60);
+    EXPECT_EQ(timing(*open()), 60);
 }
 
 INSTANTIATE_TEST_SUITE_P(Failures,
@@ -140,12 +140,12 @@ TEST_P(HttpRemoteConfigBrokenFileTest, ReadsAsNoActivatedValuesAndIsReplacedByTh
     GetParam().make(file(), outside);
 
     auto store = open();
-    EXPECT_EQ(store->configValueForKey("timing").numberValue()->integerValue, 275);
+    EXPECT_EQ(timing(*store), 275);
 
     http.on("GET", "/remote-config", 200, R"({"timing": 60})");
     fetch(*store);
     EXPECT_EQ(activate(*store), std::nullopt);
-    EXPECT_EQ(open()->configValueForKey("timing").numberValue()->integerValue, 60);
+    EXPECT_EQ(timing(*open()), 60);
     EXPECT_FALSE(fs::is_symlink(file()));
     EXPECT_EQ(test::readFileText(outside), R"({"timing": 1})");
 }
