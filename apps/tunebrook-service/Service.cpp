@@ -19,6 +19,7 @@
 #include "tunebrook-service/http/ErrorCodes.h"
 #include "tunebrook-service/http/FaultActions.h"
 #include "tunebrook-service/http/FaultInjector.h"
+#include "tunebrook-service/http/RemoteConfigRoutes.h"
 #include "tunebrook-service/http/Reply.h"
 #include "tunebrook-service/http/RequestBody.h"
 #include "tunebrook-service/media/MediaPlan.h"
@@ -301,6 +302,7 @@ void Service::installRoutes() {
     server_->Delete(pattern, withBody);
     server_->Patch(pattern, withBody);
     MediaRoutes::install(*server_, context);
+    RemoteConfigRoutes::install(*server_, context);
     AdminRoutes::install(*server_, context, *faults_);
 }
 

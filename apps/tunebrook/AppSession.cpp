@@ -6,6 +6,7 @@
 #include "app/TBAppDelegate.h"
 #include "core/TBLinks.h"
 #include "core/TunebrookKeys.h"
+#include "core/URLComponents.h"
 #include "platform/Fatal.h"
 #include "platform/RunLoop.h"
 #include "platform/linux/LinuxPlatform.h"
@@ -15,6 +16,14 @@ namespace tb {
 
 namespace {
 constexpr const char* kErrorDomain = "tunebrook";
+
+// The remote values come from one config store whatever environment the launch picks; on
+// this machine the reference service behind the live address answers for it.
+std::string remoteConfigURL(const TunebrookKeys& keys) {
+    const auto live = URLComponents::parse(keys.wsUrlLive());
+    return live && !live->host.empty() ? live->origin() + "/remote-config" : std::string();
+}
+
 }  // namespace
 
 AppSession::AppSession(SessionOptions options) : options_(std::move(options)) {}
@@ -40,6 +49,7 @@ std::optional<Error> AppSession::launch(std::ostream& out) {
     LinuxPlatformOptions platformOptions;
     platformOptions.paths = appOptions.paths;
     platformOptions.serviceBaseURL = TBLinks::webHostFor(appOptions, keys);
+    platformOptions.remoteConfigURL = remoteConfigURL(keys);
     // A run under its own home leaves the desktop's keyring alone.
     platformOptions.fileKeychainOnly = !options_.home.empty();
     std::string reason;

@@ -10,6 +10,7 @@
 #include "api/TBXAuthClientManager.h"
 #include "app/TBAppDelegate.h"
 #include "core/LocationManager.h"
+#include "core/RemoteVariables.h"
 #include "core/TBLinks.h"
 #include "core/TBLogger.h"
 #include "core/TBPermisionsManager.h"
@@ -21,6 +22,7 @@
 #include "offline/TBMusicDownloadManager.h"
 #include "platform/Fatal.h"
 #include "platform/NotificationCenter.h"
+#include "platform/RecordedMixpanelExperiments.h"
 #include "platform/SharedInstance.h"
 #include "platform/UserDefaults.h"
 
@@ -67,6 +69,8 @@ struct AppContext::Managers {
         : notifications(*ports.mainQueue),
           keys(TunebrookKeys::pathFor(options)),
           links(linksFor(options, keys)),
+          experiments(*ports.externalSdks, *ports.mainQueue),
+          remoteVariables(*ports.remoteConfig, experiments, *ports.mainQueue, logger.object),
           toasts(*ports.uiHost, notifications),
           permissions(ports.defaults->standard(), *ports.clock),
           interstitials(ports.defaults->standard(), *ports.clock),
@@ -115,6 +119,8 @@ struct AppContext::Managers {
     const TunebrookKeys keys;
     Installed<TBLinks> links;
     Installed<TBLogger> logger;
+    RecordedMixpanelExperiments experiments;
+    Installed<RemoteVariables> remoteVariables;
     Installed<TBToastUtils> toasts;
     Installed<TBPermisionsManager> permissions;
     Installed<LocationManager> location;
@@ -135,7 +141,7 @@ AppContext::AppContext(AppPorts ports, AppOptions options)
     : ports_(ports), options_(std::move(options)), previous_(currentContext) {
     if (!ports_.mainQueue || !ports_.clock || !ports_.defaults || !ports_.keychain ||
         !ports_.olderKeychain || !ports_.http || !ports_.errorReporter || !ports_.reachability ||
-        !ports_.uiHost || !ports_.random || !ports_.externalSdks) {
+        !ports_.uiHost || !ports_.random || !ports_.externalSdks || !ports_.remoteConfig) {
         TB_FATAL("AppContext needs every port");
     }
     currentContext = this;
@@ -174,6 +180,10 @@ const TBLinks& AppContext::links() const {
 
 TBLogger& AppContext::logger() const {
     return managers_->logger.object;
+}
+
+RemoteVariables& AppContext::remoteVariables() const {
+    return managers_->remoteVariables.object;
 }
 
 TBToastUtils& AppContext::toasts() const {

@@ -11,6 +11,7 @@ class ItemDAO;
 class ItemDownloadManager;
 class LocationManager;
 class NotificationCenter;
+class RemoteVariables;
 class TBAppDelegate;
 class TBCoreDataManager;
 class TBDataManager;
@@ -54,6 +55,7 @@ class AppContext {
     UIHost& uiHost() const { return *ports_.uiHost; }
     RandomSource& random() const { return *ports_.random; }
     ExternalSdks& externalSdks() const { return *ports_.externalSdks; }
+    RemoteConfig& remoteConfig() const { return *ports_.remoteConfig; }
     NotificationCenter& notificationCenter() const;
 
     const Paths& paths() const { return options_.paths; }
@@ -63,6 +65,7 @@ class AppContext {
     const TunebrookKeys& keys() const;
     const TBLinks& links() const;
     TBLogger& logger() const;
+    RemoteVariables& remoteVariables() const;
     TBToastUtils& toasts() const;
     TBPermisionsManager& permissions() const;
     LocationManager& location() const;

@@ -1,5 +1,6 @@
 #include "core/TBLogger.h"
 
+#include "platform/Log.h"
 #include "platform/SharedInstance.h"
 
 namespace tb {
@@ -8,7 +9,9 @@ TBLogger& TBLogger::sharedInstance() {
     return SharedInstance<TBLogger>::get();
 }
 
-void TBLogger::log(const std::string& /*text*/) {}
+void TBLogger::log(const std::string& text) {
+    logLine(text);
+}
 
 void TBLogger::inMemoryLog(const std::string& text, const std::string& tag) {
     inMemoryLog_[tag].push_back(text);

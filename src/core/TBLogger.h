@@ -17,7 +17,8 @@ class TBLogger {
 
     static TBLogger& sharedInstance();
 
-    // Kept for the callers of the older console log; it writes nothing on purpose.
+    // The console log: the line goes to the developer console, and the in-app log keeps
+    // nothing of it.
     void log(const std::string& text);
 
     // Appends `text` to the texts of `tag`.

@@ -14,6 +14,7 @@ class KeychainStore;
 class MainQueue;
 class RandomSource;
 class Reachability;
+class RemoteConfig;
 class UIHost;
 class UserDefaultsProvider;
 
@@ -31,6 +32,7 @@ struct AppPorts {
     UIHost* uiHost = nullptr;
     RandomSource* random = nullptr;
     ExternalSdks* externalSdks = nullptr;
+    RemoteConfig* remoteConfig = nullptr;
 };
 
 struct AppOptions {

@@ -34,6 +34,7 @@ AppPorts portsOf(test::TestPlatform& platform) {
     ports.uiHost = &platform.ui;
     ports.random = &platform.random;
     ports.externalSdks = &platform.sdks;
+    ports.remoteConfig = &platform.remoteConfig;
     return ports;
 }
 

@@ -36,6 +36,7 @@ AppPorts TestPlatform::ports() {
     ports.uiHost = &ui;
     ports.random = &random;
     ports.externalSdks = &sdks;
+    ports.remoteConfig = &remoteConfig;
     return ports;
 }
 

@@ -8,6 +8,7 @@
 #include "platform/MemoryUserDefaults.h"
 #include "support/FakeHttpTransport.h"
 #include "support/Recorders.h"
+#include "support/ScriptedRemoteConfig.h"
 #include "support/TempDir.h"
 
 namespace tb::test {
@@ -35,6 +36,7 @@ class TestPlatform {
     RecordingUIHost ui;
     ScriptedRandomSource random;
     RecordingExternalSdks sdks;
+    ScriptedRemoteConfig remoteConfig;
     TempDir home;
 
   private:

@@ -10,6 +10,7 @@
 #include "tunebrook-service/http/FaultInjector.h"
 #include "tunebrook-service/http/IdText.h"
 #include "tunebrook-service/http/Reply.h"
+#include "tunebrook-service/state/RemoteConfigStore.h"
 
 namespace tb::service {
 
@@ -136,6 +137,18 @@ void addNotification(ServiceContext& context, httplib::Response& response, const
     Reply::json(response, {{"results", true}});
 }
 
+void setRemoteConfig(ServiceContext& context, httplib::Response& response, const json& body) {
+    if (!body.is_object()) {
+        Reply::error(response, 400, kBadRequest, "Give a JSON object of keys and values");
+        return;
+    }
+    if (!RemoteConfigStore(context.meta).replace(body)) {
+        Reply::error(response, 500, kServerError, "The remote values can't be stored");
+        return;
+    }
+    Reply::json(response, {{"results", body}});
+}
+
 }  // namespace
 
 void AdminRoutes::install(httplib::Server& server, ServiceContext& context, FaultInjector& faults) {
@@ -179,6 +192,10 @@ void AdminRoutes::install(httplib::Server& server, ServiceContext& context, Faul
     server.Post("/admin/notifications",
                 guarded([&context](auto&, auto& response, const json& body) {
                     addNotification(context, response, body);
+                }));
+    server.Post("/admin/remote-config",
+                guarded([&context](auto&, auto& response, const json& body) {
+                    setRemoteConfig(context, response, body);
                 }));
 }
 

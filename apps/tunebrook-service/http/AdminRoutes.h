@@ -16,6 +16,8 @@ struct ServiceContext;
 //   GET|POST|DELETE /admin/faults, DELETE /admin/faults/<id>
 //   POST /admin/music/<id>/status         {"status": "takedown", "geo_restricted": true}
 //   POST /admin/notifications             {"account_id", "verb", "actor_id", ...}
+//   POST /admin/remote-config             {key: value, ...}: the whole set GET /remote-config
+//   serves
 class AdminRoutes {
   public:
     static void install(httplib::Server& server, ServiceContext& context, FaultInjector& faults);

@@ -12,6 +12,7 @@
 #include "platform/linux/CurlHttpTransport.h"
 #include "platform/linux/FileKeychainStore.h"
 #include "platform/linux/FileUserDefaultsProvider.h"
+#include "platform/linux/HttpRemoteConfig.h"
 #include "platform/linux/JsonLinesErrorReporter.h"
 #include "platform/linux/JsonLinesExternalSdks.h"
 #include "platform/linux/LinuxReachability.h"
@@ -96,6 +97,8 @@ LinuxPlatform::LinuxPlatform(LinuxPlatformOptions options) : options_(std::move(
     ui_ = std::make_unique<TerminalUIHost>(options_.terminal ? *options_.terminal : std::cout);
     random_ = std::make_unique<SystemRandomSource>();
     sdks_ = std::make_unique<JsonLinesExternalSdks>(paths.support, *clock_);
+    remoteConfig_ = std::make_unique<HttpRemoteConfig>(*http_, *runLoop_, *errors_,
+                                                       options_.remoteConfigURL, paths.support);
 }
 
 // Members go in reverse order of their making: the transport completes what is in flight
@@ -115,6 +118,7 @@ AppPorts LinuxPlatform::ports() const {
     ports.uiHost = ui_.get();
     ports.random = random_.get();
     ports.externalSdks = sdks_.get();
+    ports.remoteConfig = remoteConfig_.get();
     return ports;
 }
 

@@ -15,6 +15,7 @@ class ExternalSdks;
 class FileUserDefaultsProvider;
 class KeychainStore;
 class Reachability;
+class RemoteConfig;
 class RunLoop;
 class SystemClock;
 class SystemRandomSource;
@@ -29,12 +30,15 @@ struct LinuxPlatformOptions {
     // File keychain only, even where a Secret Service answers (runs under a throw-away
     // home that must leave the desktop's keyring alone).
     bool fileKeychainOnly = false;
+    // Where the config service answers the remote values; empty: every fetch fails.
+    std::string remoteConfigURL = {};
 };
 
 // The real ports of one process on Linux, made in the order they depend on each other and
 // destroyed in reverse: the run loop of the constructing (main) thread, the system clock,
 // the error reporter, user defaults, the current and older keychain stores, the HTTP
-// transport, reachability, the terminal UI host, random numbers and the outside SDKs.
+// transport, reachability, the terminal UI host, random numbers, the outside SDKs and the
+// remote config store.
 class LinuxPlatform {
   public:
     // The identities of the two keychain stores.
@@ -68,6 +72,7 @@ class LinuxPlatform {
     std::unique_ptr<TerminalUIHost> ui_;
     std::unique_ptr<SystemRandomSource> random_;
     std::unique_ptr<ExternalSdks> sdks_;
+    std::unique_ptr<RemoteConfig> remoteConfig_;
 };
 
 }  // namespace tb
