@@ -18,7 +18,7 @@ class NotificationCenter;
 class TBCoreDataManager;
 class TBKeychainManager;
 class TBXAuthClientManager;
-class UserDefaults;
+class UserDefaultsProvider;
 struct Artist;
 struct Item;
 using ArtistPtr = std::shared_ptr<Artist>;
@@ -33,7 +33,7 @@ class TBCredentials {
   public:
     struct Collaborators {
         TBKeychainManager& keychainManager;
-        UserDefaults& defaults;
+        UserDefaultsProvider& defaults;
         // The saved artist (the listener's own account) lives in the object store.
         TBCoreDataManager& store;
         TBXAuthClientManager& clients;
@@ -152,7 +152,7 @@ class TBCredentials {
     const std::set<std::string>& favoritesFor(const Item& item) const;
 
     TBKeychainManager& keychainManager_;
-    UserDefaults& defaults_;
+    UserDefaultsProvider& defaults_;
     TBCoreDataManager& store_;
     TBXAuthClientManager& clients_;
     API& api_;

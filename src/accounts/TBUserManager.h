@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -181,8 +182,18 @@ class TBUserManager final : public TBSessionGate {
     void refreshToken(std::function<void()> success, std::function<void()> failure) override;
 
   private:
-    struct Pending;
+    // The one request waiting for a fresh token.
+    struct Pending {
+        std::string url;
+        std::string method;
+        TBJSONSuccess success;
+        TBFailureBlock failure;
+    };
 
+    // A login that ends before any answer: status 0, no message.
+    static void failWithoutAnswer(const TBLoginFailureBlock& failureBlock);
+
+    void addDeviceFields(nlohmann::json& parameters) const;
     void loginSucceeded(const nlohmann::json& parameters,
                         const nlohmann::json& responseObject,
                         bool refreshToken,
@@ -192,10 +203,15 @@ class TBUserManager final : public TBSessionGate {
                      const nlohmann::json& responseObject,
                      int status,
                      const TBLoginFailureBlock& failureBlock) const;
-    void reportEmptyCredentials(const std::string& text, const nlohmann::json& parameters) const;
-    void loginWithStoredIdentity(TBLoginSuccessBlock successBlock,
-                                 TBLoginTimeoutBlock timeoutBlock,
-                                 TBLoginFailureBlock failureBlock);
+    void reportEmptyCredentials(const std::string& text,
+                                std::int64_t code,
+                                const nlohmann::json& parameters) const;
+    void loginWithFacebook(const TBLoginSuccessBlock& successBlock,
+                           const TBLoginTimeoutBlock& timeoutBlock,
+                           const TBLoginFailureBlock& failureBlock);
+    void loginWithGoogle(const TBLoginSuccessBlock& successBlock,
+                         const TBLoginTimeoutBlock& timeoutBlock,
+                         const TBLoginFailureBlock& failureBlock);
     void refreshFailed(int status, const std::string& message);
     void sendAuthenticated(const std::string& url,
                            const std::string& method,
@@ -217,7 +233,7 @@ class TBUserManager final : public TBSessionGate {
     std::function<std::optional<std::string>()> advertisingIdentifier_;
     std::string UDID_;
 
-    std::unique_ptr<Pending> pending_;
+    std::optional<Pending> pending_;
     bool refreshingToken_ = false;
     bool refreshTokenFailureAlertShown_ = false;
     // Answers that arrive after the manager is gone find this expired and do nothing.
