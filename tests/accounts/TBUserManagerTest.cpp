@@ -72,20 +72,13 @@ class TBUserManagerTest : public ::testing::Test {
         const auto& url = request(index).url;
         return url.substr(std::string(kBase).size(), url.find('?') - std::string(kBase).size());
     }
+    // A GET's query, or another method's form body.
     Params params(std::size_t index) const {
-        Params result;
         const auto& url = request(index).url;
         const auto query = url.find('?');
-        auto pairs = test::parseFormBody(request(index).body);
-        if (query != std::string::npos) {
-            for (auto& pair : test::parseFormBody(url.substr(query + 1))) {
-                pairs.push_back(pair);
-            }
-        }
-        for (auto& [key, value] : pairs) {
-            result[key] = value;
-        }
-        return result;
+        const auto pairs = test::parseFormBody(query == std::string::npos ? request(index).body
+                                                                          : url.substr(query + 1));
+        return Params(pairs.begin(), pairs.end());
     }
     std::string authorization(std::size_t index) const {
         return findHeader(request(index).headers, "Authorization").value_or("");
@@ -138,27 +131,21 @@ TEST_F(TBUserManagerTest, EmailLoginPutsTheTokenOnEveryPathAndSignsTheListenersR
     EXPECT_EQ(client().token()->key(), "usertoken1");
     EXPECT_EQ(platform().context().clients().jsonClient().token()->key(), "usertoken1");
     auto& c = credentials();
-    EXPECT_EQ(c.token(), "usertoken1");
+    using Texts = std::vector<std::optional<std::string>>;
+    EXPECT_EQ((Texts{c.token(), c.userEmail(), c.userPassword(), c.userSlug(), c.userId(),
+                     c.userScreenName(), c.registeredViaSocial()}),
+              (Texts{"usertoken1", "me@x.test", "pw", "me", "7", "Me", "false"}));
     EXPECT_EQ(c.tokenExpiration(), 2000000000);
-    EXPECT_EQ(c.userEmail(), "me@x.test");
-    EXPECT_EQ(c.userPassword(), "pw");
-    EXPECT_EQ(c.userSlug(), "me");
-    EXPECT_EQ(c.userId(), "7");
-    EXPECT_EQ(c.userScreenName(), "Me");
-    EXPECT_EQ(c.registeredViaSocial(), "false");
     ASSERT_EQ(sent(), 2u);
     EXPECT_EQ(path(1), "user");
     EXPECT_THAT(authorization(1), HasSubstr("usertoken1"));
 }
 
-class IncompleteReplyTest : public TBUserManagerTest,
-                            public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(IncompleteReplyTest, FailsTheLoginWithAZeroStatusAndKeepsNothing) {
+TEST_F(TBUserManagerTest, AReplyWithoutTheUsersIdFailsWithAZeroStatusAndKeepsNothing) {
     Outcome o;
     users().loginWithEmail("me@x.test", "pw", false, success(o), failure(o), timeout(o));
     auto reply = loginReply();
-    reply["user"].erase(GetParam());
+    reply["user"].erase("id");
     answer(0, 200, reply);
 
     EXPECT_EQ(o.successes, 0);
@@ -167,29 +154,27 @@ TEST_P(IncompleteReplyTest, FailsTheLoginWithAZeroStatusAndKeepsNothing) {
     EXPECT_FALSE(credentials().loggedIn());
 }
 
-INSTANTIATE_TEST_SUITE_P(RequiredFields, IncompleteReplyTest, ::testing::Values("id", "url_slug"));
+enum class Kind { email, facebook, google, twitter, signup };
 
-enum class Kind { email, facebook, google, twitter };
-
+// Signs in by `kind`; with `empty`, one credential the login needs is missing.
 void loginBy(Kind kind,
              TBUserManager& users,
              const std::optional<std::string>& email,
-             TBLoginFailureBlock failure) {
+             TBLoginFailureBlock failure,
+             bool empty = false) {
+    const std::string secret = empty ? "" : "secret";
     switch (kind) {
         case Kind::email:
-            users.loginWithEmail("me@x.test", "pw", false, nullptr, std::move(failure), nullptr);
-            return;
+            return users.loginWithEmail(secret, "secret-pw", false, nullptr, failure, nullptr);
         case Kind::facebook:
-            users.loginWithFacebookId("11", "fbt", email, false, nullptr, std::move(failure),
-                                      nullptr);
-            return;
+            return users.loginWithFacebookId("11", secret, email, false, nullptr, failure, nullptr);
         case Kind::google:
-            users.loginWithGoogleIdToken("gt", email, false, nullptr, std::move(failure), nullptr);
-            return;
+            return users.loginWithGoogleIdToken(secret, email, false, nullptr, failure, nullptr);
         case Kind::twitter:
-            users.loginWithTwitterToken("tt", "ts", email, false, nullptr, std::move(failure),
-                                        nullptr);
-            return;
+            return users.loginWithTwitterToken("tt", secret, email, false, nullptr, failure,
+                                               nullptr);
+        case Kind::signup:
+            return users.registerUser(secret, "Me", "secret-pw", nullptr, failure, nullptr);
     }
 }
 
@@ -198,7 +183,7 @@ struct RefusalCase {
     Kind kind;
     std::optional<std::string> email;
     int status;
-    json reply;
+    const char* reply;
     std::string message;
     TBLoginExtra extra;
 };
@@ -209,65 +194,73 @@ TEST_P(RefusalTest, TellsTheScreenWhatToShowAndWhatToSendAgain) {
     const auto& c = GetParam();
     Outcome o;
     loginBy(c.kind, users(), c.email, failure(o));
-    answer(0, c.status, c.reply);
+    answer(0, c.status, json::parse(c.reply));
 
     EXPECT_THAT(o.statuses, ElementsAre(c.status));
     EXPECT_EQ(o.message, c.message);
     EXPECT_EQ(o.extra, c.extra);
 }
 
+const char* kNeedEmail = R"({"description": "Need an email", "errorcode": 1052})";
+
+RefusalCase refusal(const char* name,
+                    Kind kind,
+                    std::optional<std::string> email,
+                    int status,
+                    const char* reply,
+                    std::string message,
+                    TBLoginExtra extra = {}) {
+    return {name, kind, std::move(email), status, reply, std::move(message), std::move(extra)};
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Replies,
     RefusalTest,
-    ::testing::Values(
-        RefusalCase{"StaleClock",
-                    Kind::email,
-                    {},
-                    401,
-                    json{{"message", "Signature refused: expired timestamp"}, {"errorcode", 1}},
-                    L("login_error_timestamp"),
-                    {}},
-        RefusalCase{"WrongPassword",
-                    Kind::email,
-                    {},
-                    401,
-                    json{{"description", "Invalid email or password"}, {"errorcode", 1037}},
-                    L("login_error_1037"),
-                    {}},
-        RefusalCase{"FacebookWithoutEmail",
-                    Kind::facebook,
-                    {},
-                    400,
-                    json{{"description", "Need an email"}, {"errorcode", 1052}},
-                    "Need an email",
-                    {{"socialId", "11"}, {"socialToken", "fbt"}}},
-        RefusalCase{"TwitterWithoutEmail",
-                    Kind::twitter,
-                    {},
-                    400,
-                    json{{"message", "Need an email"}, {"errorcode", "1052"}},
-                    "Need an email",
-                    {{"socialToken", "tt"}, {"socialSecret", "ts"}}},
-        RefusalCase{"GoogleWithoutEmail",
-                    Kind::google,
-                    {},
-                    400,
-                    json{{"description", ""}, {"message", "Need an email"}, {"errorcode", 1052}},
-                    "Need an email",
-                    {{"socialToken", "gt"}}},
-        RefusalCase{"EmailOfAnotherAccount",
-                    Kind::google,
-                    "a@x.test",
-                    400,
-                    json{{"message", "Taken"}, {"errorcode", 1057}},
-                    "Taken",
-                    {{"socialEmail", "a@x.test"}}},
-        RefusalCase{"NoMessage", Kind::email, {}, 500, json::object(), L("generic_api_error"), {}}),
+    ::testing::Values(refusal("StaleClock",
+                              Kind::email,
+                              {},
+                              401,
+                              R"({"message": "Refused: expired timestamp", "errorcode": 1})",
+                              L("login_error_timestamp")),
+                      refusal("WrongPassword",
+                              Kind::email,
+                              {},
+                              401,
+                              R"({"description": "Invalid", "errorcode": 1037})",
+                              L("login_error_1037")),
+                      refusal("FacebookWithoutEmail",
+                              Kind::facebook,
+                              {},
+                              400,
+                              kNeedEmail,
+                              "Need an email",
+                              {{"socialId", "11"}, {"socialToken", "secret"}}),
+                      refusal("TwitterWithoutEmail",
+                              Kind::twitter,
+                              {},
+                              400,
+                              kNeedEmail,
+                              "Need an email",
+                              {{"socialToken", "tt"}, {"socialSecret", "secret"}}),
+                      refusal("GoogleWithoutEmail",
+                              Kind::google,
+                              {},
+                              400,
+                              R"({"description": "", "message": "Need one", "errorcode": "1052"})",
+                              "Need one",
+                              {{"socialToken", "secret"}}),
+                      refusal("EmailOfAnotherAccount",
+                              Kind::google,
+                              "a@x.test",
+                              400,
+                              R"({"message": "Taken", "errorcode": 1057})",
+                              "Taken",
+                              {{"socialEmail", "a@x.test"}}),
+                      refusal("NoMessage", Kind::email, {}, 500, "{}", L("generic_api_error"))),
     [](const auto& test) { return std::string(test.param.name); });
 
 struct EmptyCase {
-    const char* name;
-    std::function<void(TBUserManager&, TBLoginFailureBlock)> call;
+    Kind kind;
     const char* text;
 };
 
@@ -276,7 +269,7 @@ class EmptyCredentialsTest : public TBUserManagerTest,
 
 TEST_P(EmptyCredentialsTest, NeverReachTheServiceAndNeverReportAPassword) {
     Outcome o;
-    GetParam().call(users(), failure(o));
+    loginBy(GetParam().kind, users(), std::nullopt, failure(o), true);
 
     EXPECT_EQ(sent(), 0u);
     EXPECT_THAT(o.statuses, ElementsAre(0));
@@ -291,35 +284,11 @@ TEST_P(EmptyCredentialsTest, NeverReachTheServiceAndNeverReportAPassword) {
 INSTANTIATE_TEST_SUITE_P(
     Logins,
     EmptyCredentialsTest,
-    ::testing::Values(EmptyCase{"Email",
-                                [](TBUserManager& u, TBLoginFailureBlock f) {
-                                    u.loginWithEmail("", "secret-pw", false, nullptr, f, nullptr);
-                                },
-                                "Empty username or password during login"},
-                      EmptyCase{"Facebook",
-                                [](TBUserManager& u, TBLoginFailureBlock f) {
-                                    u.loginWithFacebookId("11", "", std::nullopt, false, nullptr, f,
-                                                          nullptr);
-                                },
-                                "Empty facebook id or token during auth"},
-                      EmptyCase{"Google",
-                                [](TBUserManager& u, TBLoginFailureBlock f) {
-                                    u.loginWithGoogleIdToken("", std::nullopt, false, nullptr, f,
-                                                             nullptr);
-                                },
-                                "Empty google token during auth"},
-                      EmptyCase{"Twitter",
-                                [](TBUserManager& u, TBLoginFailureBlock f) {
-                                    u.loginWithTwitterToken("tt", "", std::nullopt, false, nullptr,
-                                                            f, nullptr);
-                                },
-                                "Empty twitter token or secret during auth"},
-                      EmptyCase{"Signup",
-                                [](TBUserManager& u, TBLoginFailureBlock f) {
-                                    u.registerUser("", "Me", "secret-pw", nullptr, f, nullptr);
-                                },
-                                "Empty username or password during signup"}),
-    [](const auto& test) { return std::string(test.param.name); });
+    ::testing::Values(EmptyCase{Kind::email, "Empty username or password during login"},
+                      EmptyCase{Kind::facebook, "Empty facebook id or token during auth"},
+                      EmptyCase{Kind::google, "Empty google token during auth"},
+                      EmptyCase{Kind::twitter, "Empty twitter token or secret during auth"},
+                      EmptyCase{Kind::signup, "Empty username or password during signup"}));
 
 TEST_F(TBUserManagerTest, SignupHasTenSecondsAndJoinsTheFieldErrors) {
     Outcome o;
@@ -368,36 +337,6 @@ TEST_F(TBUserManagerTest, An401LogsInOnceAndRepeatsThePendingRequestWithTheNewTo
     answer(2, 200, {{"url_slug", "me"}});
     EXPECT_EQ(records, 1);
     EXPECT_THAT(o.failures, IsEmpty());
-}
-
-TEST_F(TBUserManagerTest, ARefusedRefreshSignsOutAndOpensTheLoginScreenASecondLater) {
-    signInByEmail();
-    bool failed = false;
-    users().refreshTokenWithSuccess([] { ADD_FAILURE(); }, [&] { failed = true; });
-    answer(0, 403, {{"message", "Account disabled"}});
-
-    EXPECT_TRUE(failed);
-    EXPECT_FALSE(credentials().loggedIn());
-    platform().queue.advanceBy(0.9);
-    EXPECT_THAT(platform().ui.loginScreens, IsEmpty());
-    platform().queue.advanceBy(0.1);
-    EXPECT_THAT(platform().ui.loginScreens, ElementsAre(TBUserManager::kLostSessionLoginSource));
-    EXPECT_THAT(platform().errors.codesIn("com.tunebrook"), ElementsAre(112));
-}
-
-TEST_F(TBUserManagerTest, AnotherRefreshFailureKeepsTheListenerAndWarnsOncePerProcess) {
-    signInByEmail();
-    for (std::size_t attempt = 0; attempt < 2; ++attempt) {
-        users().refreshTokenWithSuccess([] { ADD_FAILURE(); }, [] {});
-        answer(attempt, 500, json::object());
-    }
-    platform().queue.advanceBy(2);
-
-    EXPECT_TRUE(credentials().loggedIn());
-    ASSERT_EQ(platform().ui.alerts.size(), 1u);
-    EXPECT_EQ(platform().ui.alerts[0].title, L("failed_refresh_token_title"));
-    EXPECT_THAT(platform().ui.loginScreens, IsEmpty());
-    EXPECT_THAT(platform().errors.codesIn("com.tunebrook"), ElementsAre(103, 103));
 }
 
 TEST_F(TBUserManagerTest, APostRefreshesOnA401AndIsSentAgainWithTheSameParameters) {
@@ -483,6 +422,14 @@ struct AutoLoginCase {
     const char* failureKey;
 };
 
+AutoLoginCase autoLogin(const char* name,
+                        json socialTokens,
+                        Params stored,
+                        Params sent,
+                        const char* failureKey = nullptr) {
+    return {name, std::move(socialTokens), std::move(stored), std::move(sent), failureKey};
+}
+
 class AutoLoginTest : public TBUserManagerTest,
                       public ::testing::WithParamInterface<AutoLoginCase> {
   protected:
@@ -493,7 +440,7 @@ TEST_P(AutoLoginTest, SignsInWithTheStoredIdentityAndFreshSocialTokens) {
     const auto& c = GetParam();
     AppOptions options;
     const std::string file = tokens.file("social.json");
-    std::ofstream(file) << c.socialTokens.dump();
+    std::ofstream(file) << (c.socialTokens.is_null() ? json::object() : c.socialTokens).dump();
     options.socialTokensFile = file;
     start(options);
     for (const auto& [key, value] : c.stored) {
@@ -520,37 +467,33 @@ INSTANTIATE_TEST_SUITE_P(
     Identities,
     AutoLoginTest,
     ::testing::Values(
-        AutoLoginCase{"ExpiredFacebookTokenIsRenewedFirst",
-                      {{"facebook", {{"id", "11"}, {"token", "fbt"}, {"expired", true}}}},
-                      {{"facebookId", "11"}, {"socialEmail", "s@x.test"}},
-                      {{"fb_user_id", "11"}, {"fb_token", "fbt"}, {"u_auth_email", "s@x.test"}},
-                      nullptr},
-        AutoLoginCase{"FacebookWithoutToken",
-                      json::object(),
-                      {{"facebookId", "11"}},
-                      {},
-                      "login_error_message_facebook"},
-        AutoLoginCase{"GoogleGivesAFreshIdToken",
-                      {{"google", {{"token", "fresh-g"}}}},
-                      {{"googleIdToken", "old-g"}},
-                      {{"g_token", "fresh-g"}},
-                      nullptr},
-        AutoLoginCase{"GoogleWithoutUser",
-                      json::object(),
-                      {{"googleIdToken", "old-g"}},
-                      {},
-                      "login_google_error_message"},
-        AutoLoginCase{"Twitter",
-                      json::object(),
-                      {{"twitterToken", "tt"}, {"twitterSecret", "ts"}},
-                      {{"t_token", "tt"}, {"t_secret", "ts"}},
-                      nullptr},
-        AutoLoginCase{"EmailWithoutAnySocialCall",
-                      json::object(),
-                      {{"email", "me@x.test"}, {"password", "pw"}},
-                      {{"x_auth_username", "me@x.test"}, {"x_auth_password", "pw"}},
-                      nullptr},
-        AutoLoginCase{"SignedOut", json::object(), {}, {}, "login_error_1037"}),
+        autoLogin("ExpiredFacebookTokenIsRenewedFirst",
+                  {{"facebook", {{"id", "11"}, {"token", "fbt"}, {"expired", true}}}},
+                  {{"facebookId", "11"}, {"socialEmail", "s@x.test"}},
+                  {{"fb_user_id", "11"}, {"fb_token", "fbt"}, {"u_auth_email", "s@x.test"}}),
+        autoLogin("FacebookWithoutToken",
+                  {},
+                  {{"facebookId", "11"}},
+                  {},
+                  "login_error_message_facebook"),
+        autoLogin("GoogleGivesAFreshIdToken",
+                  {{"google", {{"token", "fresh-g"}}}},
+                  {{"googleIdToken", "old-g"}},
+                  {{"g_token", "fresh-g"}}),
+        autoLogin("GoogleWithoutUser",
+                  {},
+                  {{"googleIdToken", "old-g"}},
+                  {},
+                  "login_google_error_message"),
+        autoLogin("Twitter",
+                  {},
+                  {{"twitterToken", "tt"}, {"twitterSecret", "ts"}},
+                  {{"t_token", "tt"}, {"t_secret", "ts"}}),
+        autoLogin("EmailWithoutAnySocialCall",
+                  {},
+                  {{"email", "me@x.test"}, {"password", "pw"}},
+                  {{"x_auth_username", "me@x.test"}, {"x_auth_password", "pw"}}),
+        autoLogin("SignedOut", {}, {}, {}, "login_error_1037")),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(TBUserManagerTest, OfflineAutoLoginAndRefreshSendNothing) {
