@@ -61,6 +61,14 @@ class TBUserManagerTest : public ::testing::Test {
         platform_ = std::make_unique<test::TestPlatform>(std::move(options));
         TBDataManager::useProd();
     }
+    // A new start whose social sign-in holds `accounts` (see GivenSocialSignIn).
+    void startWithSocialAccounts(const json& accounts) {
+        AppOptions options;
+        options.socialTokensFile = files_.file("social.json");
+        std::ofstream(options.socialTokensFile)
+            << (accounts.is_null() ? json::object() : accounts).dump();
+        start(options);
+    }
     test::TestPlatform& platform() { return *platform_; }
     TBCredentials& credentials() { return platform().context().credentials(); }
     TBUserManager& users() { return platform().context().userManager(); }
@@ -111,6 +119,7 @@ class TBUserManagerTest : public ::testing::Test {
     }
 
   private:
+    test::TempDir files_;
     std::unique_ptr<test::TestPlatform> platform_;
 };
 
@@ -431,18 +440,11 @@ AutoLoginCase autoLogin(const char* name,
 }
 
 class AutoLoginTest : public TBUserManagerTest,
-                      public ::testing::WithParamInterface<AutoLoginCase> {
-  protected:
-    test::TempDir tokens;
-};
+                      public ::testing::WithParamInterface<AutoLoginCase> {};
 
 TEST_P(AutoLoginTest, SignsInWithTheStoredIdentityAndFreshSocialTokens) {
     const auto& c = GetParam();
-    AppOptions options;
-    const std::string file = tokens.file("social.json");
-    std::ofstream(file) << (c.socialTokens.is_null() ? json::object() : c.socialTokens).dump();
-    options.socialTokensFile = file;
-    start(options);
+    startWithSocialAccounts(c.socialTokens);
     for (const auto& [key, value] : c.stored) {
         credentials().keychainManager().setWithString(value, key);
     }
@@ -495,6 +497,23 @@ INSTANTIATE_TEST_SUITE_P(
                   {{"x_auth_username", "me@x.test"}, {"x_auth_password", "pw"}}),
         autoLogin("SignedOut", {}, {}, {}, "login_error_1037")),
     [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(TBUserManagerTest, TheSplashRenewsTheSocialTokenWithoutAskingTheService) {
+    startWithSocialAccounts({{"google", {{"token", "fresh-g"}}}});
+    credentials().keychainManager().setWithString("old-g", "googleIdToken");
+    int successes = 0;
+    int offline = 0;
+    users().refreshSocialTokensWithSuccessBlock([&] { ++successes; }, [&] { ++offline; }, nullptr);
+    EXPECT_EQ(successes, 1);
+    EXPECT_EQ(credentials().googleIdToken(), "fresh-g");
+
+    platform().reachability.set(false);
+    platform().queue.runUntilIdle();
+    users().refreshSocialTokensWithSuccessBlock([&] { ++successes; }, [&] { ++offline; }, nullptr);
+    EXPECT_EQ(offline, 1);
+    EXPECT_EQ(successes, 1);
+    EXPECT_EQ(sent(), 0u);
+}
 
 TEST_F(TBUserManagerTest, OfflineAutoLoginAndRefreshSendNothing) {
     signInByEmail();
