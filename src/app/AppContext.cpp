@@ -177,6 +177,8 @@ struct AppContext::Managers {
     ItemDAO dao;
     Installed<TBMusicDownloadManager> music;
     SharedInstance<ItemDownloadManager>::Scope itemDownloads;
+    // The typed layer's stand-in (see typedLayerSigner): replaced when the typed layer is
+    // built here.
     XAuthRequestAdapter typedLayerAdapter;
     API api;
     TBKeychainManager keychainManager;
