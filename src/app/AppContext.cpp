@@ -2,12 +2,19 @@
 
 #include <utility>
 
+#include "accounts/GivenSocialSignIn.h"
+#include "accounts/SharedWebCredentialsHelper.h"
+#include "accounts/TBCredentials.h"
+#include "accounts/TBKeychainManager.h"
+#include "accounts/TBUserManager.h"
 #include "ads/InterstitialsManager.h"
+#include "api/API.h"
 #include "api/TBDataManager.h"
 #include "api/TBReachabilityManager.h"
 #include "api/TBServiceEnvironment.h"
 #include "api/TBSessionGateHolder.h"
 #include "api/TBXAuthClientManager.h"
+#include "api/XAuthRequestAdapter.h"
 #include "app/TBAppDelegate.h"
 #include "core/LocationManager.h"
 #include "core/RemoteVariables.h"
@@ -60,6 +67,23 @@ AFXAuthClient::Environment clientEnvironment(const AppPorts& ports,
     };
 }
 
+// ---- The typed layer's signer, until the typed layer is built here ----------------------
+// The session hands tokens to `API`; this is the smallest honest `API` to hand them to. The
+// typed layer's own construction replaces this block.
+// After a failed load of the keys the launch stops before anything signs.
+XAuthSigner typedLayerSigner(const AppPorts& ports, const TunebrookKeys& keys) {
+    const bool loaded = !keys.error();
+    return XAuthSigner({loaded ? keys.tunebrookConsumerKey() : "",
+                        loaded ? keys.tunebrookConsumerSecret() : "", "HMAC-SHA1", "1.0"},
+                       *ports.random, *ports.clock);
+}
+// ---- End of the typed layer's block ------------------------------------------------------
+
+// Linux has no advertising identifier, so the listener is never tracked by one.
+std::optional<std::string> noAdvertisingIdentifier() {
+    return std::nullopt;
+}
+
 }  // namespace
 
 // Members are built in the order they are declared, which is the start order, and go in
@@ -103,14 +127,39 @@ struct AppContext::Managers {
                 ItemDownloadManager::Collaborators{coreData.object, dao, *ports.errorReporter,
                                                    notifications}),
           itemDownloads(music.object.items()),
+          typedLayerAdapter(typedLayerSigner(ports, keys)),
+          api(typedLayerAdapter),
+          keychainManager(*ports.keychain, *ports.olderKeychain),
+          credentials(TBCredentials::Collaborators{keychainManager, *ports.defaults,
+                                                   coreData.object, clients.object, api,
+                                                   *ports.externalSdks, notifications}),
+          webCredentials(*ports.keychain, keys.error() ? "" : TBLinks::webHostFor(options, keys)),
+          socialSignIn(GivenSocialSignIn::tokensFromFile(options.socialTokensFile)),
+          userManager(TBUserManager::Collaborators{
+              credentials.object,
+              clients.object,
+              api,
+              reachability.object,
+              toasts.object,
+              *ports.errorReporter,
+              *ports.uiHost,
+              *ports.mainQueue,
+              *ports.externalSdks,
+              socialSignIn,
+              noAdvertisingIdentifier,
+              "",
+          }),
           appDelegate(app) {
         // The store and its error policy refer to each other; this is where they meet. The
-        // DAO asks the downloads, which sit above it, what is on its way.
+        // DAO asks the downloads, which sit above it, what is on its way. The catalogue's 401
+        // branch refreshes through the session.
         data.object.setErrorPolicy(&coreData.object);
         dao.setDownloadActivity(&music.object);
+        sessionGate.install(&userManager.object);
     }
 
     ~Managers() {
+        sessionGate.install(nullptr);
         data.object.setErrorPolicy(nullptr);
         dao.setDownloadActivity(nullptr);
     }
@@ -134,6 +183,15 @@ struct AppContext::Managers {
     ItemDAO dao;
     Installed<TBMusicDownloadManager> music;
     SharedInstance<ItemDownloadManager>::Scope itemDownloads;
+    // The typed layer's stand-in (see typedLayerSigner): replaced when the typed layer is
+    // built here.
+    XAuthRequestAdapter typedLayerAdapter;
+    API api;
+    TBKeychainManager keychainManager;
+    Installed<TBCredentials> credentials;
+    Installed<SharedWebCredentialsHelper> webCredentials;
+    GivenSocialSignIn socialSignIn;
+    Installed<TBUserManager> userManager;
     Installed<TBAppDelegate> appDelegate;
 };
 
@@ -236,6 +294,22 @@ TBMusicDownloadManager& AppContext::musicDownloads() const {
 
 ItemDownloadManager& AppContext::itemDownloads() const {
     return managers_->music.object.items();
+}
+
+API& AppContext::api() const {
+    return managers_->api;
+}
+
+TBKeychainManager& AppContext::keychainManager() const {
+    return managers_->keychainManager;
+}
+
+TBCredentials& AppContext::credentials() const {
+    return managers_->credentials.object;
+}
+
+TBUserManager& AppContext::userManager() const {
+    return managers_->userManager.object;
 }
 
 TBAppDelegate& AppContext::appDelegate() const {

@@ -6,6 +6,7 @@
 
 namespace tb {
 
+class API;
 class InterstitialsManager;
 class ItemDAO;
 class ItemDownloadManager;
@@ -13,6 +14,8 @@ class LocationManager;
 class NotificationCenter;
 class RemoteVariables;
 class TBAppDelegate;
+class TBCredentials;
+class TBKeychainManager;
 class TBCoreDataManager;
 class TBDataManager;
 class TBLogger;
@@ -21,6 +24,7 @@ class TBReachabilityManager;
 class TBServiceEnvironment;
 class TBSessionGateHolder;
 class TBToastUtils;
+class TBUserManager;
 class TBMusicDownloadManager;
 class TBXAuthClientManager;
 class TunebrookKeys;
@@ -79,6 +83,12 @@ class AppContext {
     ItemDAO& itemDAO() const;
     TBMusicDownloadManager& musicDownloads() const;
     ItemDownloadManager& itemDownloads() const;
+    // The typed layer's front (its signer's token). Built by a stand-in block in the .cpp
+    // until the typed layer is built here.
+    API& api() const;
+    TBKeychainManager& keychainManager() const;
+    TBCredentials& credentials() const;
+    TBUserManager& userManager() const;
     TBAppDelegate& appDelegate() const;
 
   private:

@@ -1,10 +1,13 @@
 #include "app/TBAppDelegate.h"
 
+#include "accounts/TBCredentials.h"
 #include "accounts/TBKeychainManager.h"
 #include "ads/InterstitialsManager.h"
+#include "api/API.h"
 #include "api/TBDataManager.h"
 #include "api/TBReachabilityManager.h"
 #include "api/TBServiceEnvironment.h"
+#include "api/TBXAuthClientManager.h"
 #include "app/AppContext.h"
 #include "core/LocationManager.h"
 #include "core/TBConstants.h"
@@ -46,17 +49,13 @@ TBAppDelegate& TBAppDelegate::shared() {
 }
 
 TBKeychainManager& TBAppDelegate::keychainManager() {
-    if (!keychainManager_) {
-        keychainManager_ =
-            std::make_unique<TBKeychainManager>(context_.keychain(), context_.olderKeychain());
-    }
-    return *keychainManager_;
+    return context_.keychainManager();
 }
 
 // The order matters: the crash reporters start before anything that could crash, the
 // install marker is written before the libraries that read it, and the environment is
 // chosen before the store and the network start. Steps that join later take their place
-// by name: the token restore after "store"; the pending link after "push"; Branch and
+// by name: the pending link after "push"; Branch and
 // Facebook after "location"; cast, cache housekeeping and sync after "OneSignal", before
 // "featured music"; ad providers after "Zendesk"; Mixpanel after
 // "messaging and Google sign-in"; the notification centre's delegate after "AppsFlyer".
@@ -73,6 +72,7 @@ void TBAppDelegate::buildLaunchSequence() {
         {"Firebase", &TBAppDelegate::configureFirebase},
         {"environment", &TBAppDelegate::chooseEnvironment},
         {"store", &TBAppDelegate::openStore},
+        {"token restore", &TBAppDelegate::restoreToken},
         {"reachability", &TBAppDelegate::startReachability},
         {"push", &TBAppDelegate::enablePushIfGranted},
         {"location", &TBAppDelegate::updateLocationIfEnabled},
@@ -194,6 +194,22 @@ std::string TBAppDelegate::openStore() {
     auto& data = context_.dataManager();
     data.startup();
     return data.managedObjectContext() ? "open" : "unavailable";
+}
+
+// All three request paths hold the stored token before the first request goes out.
+std::string TBAppDelegate::restoreToken() {
+    auto& credentials = context_.credentials();
+    const auto token = credentials.token();
+    const auto tokenSecret = credentials.tokenSecret();
+    if (!token || !tokenSecret) {
+        return "no token";
+    }
+    const auto expiration = credentials.tokenExpiration();
+    auto& clients = context_.clients();
+    clients.client().setToken(*token, *tokenSecret, expiration);
+    clients.jsonClient().setToken(*token, *tokenSecret, expiration);
+    context_.api().setCredentialsWithToken(*token, *tokenSecret);
+    return "restored";
 }
 
 std::string TBAppDelegate::startReachability() {

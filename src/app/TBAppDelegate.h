@@ -81,6 +81,7 @@ class TBAppDelegate {
     std::string configureFirebase();
     std::string chooseEnvironment();
     std::string openStore();
+    std::string restoreToken();
     std::string startReachability();
     std::string enablePushIfGranted();
     std::string updateLocationIfEnabled();
@@ -93,7 +94,6 @@ class TBAppDelegate {
     AppContext& context_;
     LaunchSequence sequence_;
     std::vector<LaunchRecord> records_;
-    std::unique_ptr<TBKeychainManager> keychainManager_;
     bool freshInstall_ = false;
     bool freshInstallTooltipShown_ = false;
     bool firstDidBecomeActiveExecuted_ = false;

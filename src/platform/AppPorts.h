@@ -42,6 +42,9 @@ struct AppOptions {
     // The service's web host (its site pages, share links, the host reachability watches);
     // empty: the origin of the live API address, where the service answers both.
     std::string webURL;
+    // A JSON file with the tokens of the listener's social accounts (see GivenSocialSignIn);
+    // empty: none.
+    std::string socialTokensFile;
 };
 
 }  // namespace tb

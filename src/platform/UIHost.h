@@ -20,7 +20,8 @@ struct Alert {
     std::vector<AlertAction> actions;
 };
 
-// What the presentation shell offers the app's logic: toasts, alerts, the progress HUD.
+// What the presentation shell offers the app's logic: toasts, alerts, the progress HUD, the
+// login screen.
 // The terminal shell is the Linux host; tests use a recorder. Texts arrive localised.
 class UIHost {
   public:
@@ -36,6 +37,10 @@ class UIHost {
 
     virtual void showProgress(const std::string& text) = 0;
     virtual void hideProgress() = 0;
+
+    // Opens the login screen on top of the current screen; `source` says what led there
+    // (7: the session was lost).
+    virtual void showLoginScreenWithSource(int source) = 0;
 };
 
 }  // namespace tb

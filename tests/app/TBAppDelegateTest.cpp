@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "accounts/TBKeychainManager.h"
+#include "api/TBXAuthClientManager.h"
 #include "app/TBAppDelegate.h"
 #include "core/TBConstants.h"
 #include "core/TBPermisionsManager.h"
@@ -74,8 +75,8 @@ TEST_F(TBAppDelegateTest, LaunchRunsItsStepsInTheFixedOrder) {
         namesOf(app.launchRecords()),
         ElementsAre("keys", "crash reporter pick", "Embrace", "Crashlytics and Answers", "Bugsnag",
                     "fresh install", "ComScore", "Twitter", "Firebase", "environment", "store",
-                    "reachability", "push", "location", "OneSignal", "featured music", "Zendesk",
-                    "messaging and Google sign-in", "AppsFlyer"));
+                    "token restore", "reachability", "push", "location", "OneSignal",
+                    "featured music", "Zendesk", "messaging and Google sign-in", "AppsFlyer"));
     EXPECT_THAT(platform.errors.started, ElementsAre("Crashlytics", "Answers", "Bugsnag"));
     EXPECT_THAT(
         platform.sdks.libraries(),
@@ -189,6 +190,25 @@ TEST_F(TBAppDelegateTest, TheStoreOpensAfterTheEnvironmentIsChosen) {
     const auto& app = launch();
     EXPECT_EQ(outcomeOf(app, "store"), "open");
     EXPECT_TRUE(std::filesystem::exists(platform.context().paths().documents + "/CoreData.sqlite"));
+}
+
+TEST_F(TBAppDelegateTest, TheStoredTokenReachesBothClientsOnlyWhenItsSecretIsThere) {
+    auto& keychain = platform.context().keychainManager();
+    keychain.setWithString("tok", "token");
+    EXPECT_EQ(outcomeOf(launch(), "token restore"), "no token");
+    EXPECT_EQ(platform.context().clients().client().token(), std::nullopt);
+
+    keychain.setWithString("sec", "tokenSecret");
+    keychain.setWithInt(99, "tokenExpiration");
+    AppContext second(portsOf(platform), platform.context().options());
+    auto& app = TBAppDelegate::shared();
+    app.didFinishLaunchingWithOptions();
+    EXPECT_EQ(outcomeOf(app, "token restore"), "restored");
+    for (auto* client : {&second.clients().client(), &second.clients().jsonClient()}) {
+        ASSERT_TRUE(client->token());
+        EXPECT_EQ(client->token()->secret(), "sec");
+        EXPECT_EQ(client->token()->expiration(), 99);
+    }
 }
 
 TEST_F(TBAppDelegateTest, PushIsEnabledOnlyWhenGranted) {

@@ -80,16 +80,18 @@ TEST_F(JsonLinesReportersTest, RecordsAreAppendedAcrossRunsAndWritersWithoutTorn
     EXPECT_EQ(lines.front()["kind"], "appStartupEnded");
 }
 
-TEST_F(JsonLinesReportersTest, SdkStartsAreRecordedInOrderWithTheirSettings) {
+TEST_F(JsonLinesReportersTest, SdkStartsAndCallsAreRecordedInOrderWithTheirSettings) {
     JsonLinesExternalSdks sdks(support.path(), clock);
     sdks.start("ComScore.start",
                {{"publisherId", "comscoreId"}, {"publisherSecret", "comscoreSecret"}});
     clock.advance(1.0);
     sdks.start("FIRApp.configure", {});
+    sdks.call("OneSignal.removeExternalUserId", {});
 
     EXPECT_EQ(sdks.path(), support.file("sdks.jsonl"));
     const auto lines = readLines(sdks.path());
-    ASSERT_EQ(lines.size(), 2u);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[2]["call"], "OneSignal.removeExternalUserId");
     EXPECT_EQ(lines[0]["library"], "ComScore.start");
     EXPECT_EQ(lines[0]["settings"]["publisherSecret"], "comscoreSecret");
     EXPECT_EQ(lines[1]["library"], "FIRApp.configure");

@@ -7,7 +7,7 @@
 namespace tb {
 namespace {
 
-TEST(TerminalUIHostTest, PrintsToastsWithTheirMarkAndProgressLines) {
+TEST(TerminalUIHostTest, PrintsToastsProgressAndTheLoginScreenOneLineEach) {
     std::ostringstream out;
     TerminalUIHost host(out);
     host.showToast("Reposted", UIHost::ToastImage::Success);
@@ -15,13 +15,15 @@ TEST(TerminalUIHostTest, PrintsToastsWithTheirMarkAndProgressLines) {
     host.showToast("Plain", UIHost::ToastImage::None);
     host.showProgress("Loading");
     host.hideProgress();
+    host.showLoginScreenWithSource(7);
 
     EXPECT_EQ(out.str(),
               "[toast] \u2713 Reposted\n"
               "[toast] \u2717 No connection\n"
               "[toast] Plain\n"
               "[progress] Loading\n"
-              "[progress] hidden\n");
+              "[progress] hidden\n"
+              "[login] source 7\n");
 }
 
 TEST(TerminalUIHostTest, ShowsAlertsWithTheirButtonsAndRunsNone) {

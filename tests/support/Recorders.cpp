@@ -71,4 +71,12 @@ std::vector<std::string> RecordingExternalSdks::libraries() const {
     return names;
 }
 
+std::vector<std::string> RecordingExternalSdks::callNames() const {
+    std::vector<std::string> names;
+    for (const auto& call : calls) {
+        names.push_back(call.library);
+    }
+    return names;
+}
+
 }  // namespace tb::test

@@ -83,6 +83,8 @@ class RecordingUIHost final : public UIHost {
     void showProgress(const std::string& text) override { progress.push_back(text); }
     void hideProgress() override { ++progressHidden; }
 
+    void showLoginScreenWithSource(int source) override { loginScreens.push_back(source); }
+
     // Runs the handler of the button titled `title` on the last alert; false if none.
     bool press(const std::string& title);
 
@@ -90,6 +92,7 @@ class RecordingUIHost final : public UIHost {
     std::vector<Alert> alerts;
     std::vector<std::string> progress;
     int progressHidden = 0;
+    std::vector<int> loginScreens;
 };
 
 // Answers from a script, then with the fallback value.
@@ -113,9 +116,16 @@ class RecordingExternalSdks final : public ExternalSdks {
                const std::map<std::string, std::string>& settings) override {
         starts.push_back({library, settings});
     }
+    void call(const std::string& function,
+              const std::map<std::string, std::string>& arguments) override {
+        calls.push_back({function, arguments});
+    }
     std::vector<std::string> libraries() const;
+    // The names of the calls made, in order.
+    std::vector<std::string> callNames() const;
 
     std::vector<Start> starts;
+    std::vector<Start> calls;
 };
 
 }  // namespace tb::test

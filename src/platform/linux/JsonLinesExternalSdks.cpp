@@ -11,8 +11,15 @@ JsonLinesExternalSdks::JsonLinesExternalSdks(const std::string& supportFolder, c
 
 void JsonLinesExternalSdks::start(const std::string& library,
                                   const std::map<std::string, std::string>& settings) {
-    const nlohmann::json record = {
-        {"time", clock_.now()}, {"library", library}, {"settings", settings}};
+    append({{"time", clock_.now()}, {"library", library}, {"settings", settings}});
+}
+
+void JsonLinesExternalSdks::call(const std::string& function,
+                                 const std::map<std::string, std::string>& arguments) {
+    append({{"time", clock_.now()}, {"call", function}, {"arguments", arguments}});
+}
+
+void JsonLinesExternalSdks::append(const nlohmann::json& record) {
     file_.appendLine(record.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 

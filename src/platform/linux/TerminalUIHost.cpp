@@ -60,4 +60,8 @@ void TerminalUIHost::hideProgress() {
     out_ << "[progress] hidden" << std::endl;
 }
 
+void TerminalUIHost::showLoginScreenWithSource(int source) {
+    out_ << "[login] source " << source << std::endl;
+}
+
 }  // namespace tb

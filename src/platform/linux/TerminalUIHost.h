@@ -13,6 +13,7 @@ namespace tb {
 //   [alert] message
 //   [alert] buttons: OK | Delete (destructive) | Cancel (cancel)
 //   [progress] text / [progress] hidden
+//   [login] source N
 // With no interactive shell to answer it, an alert is shown and left: no button runs.
 class TerminalUIHost final : public UIHost {
   public:
@@ -22,6 +23,7 @@ class TerminalUIHost final : public UIHost {
     void presentAlert(Alert alert) override;
     void showProgress(const std::string& text) override;
     void hideProgress() override;
+    void showLoginScreenWithSource(int source) override;
 
   private:
     std::ostream& out_;
