@@ -61,9 +61,19 @@ TEST_P(HostileServiceTest, AnAnswerTooLargeFailsTheCommandWithinBoundedMemory) {
 INSTANTIATE_TEST_SUITE_P(Answers,
                          HostileServiceTest,
                          ::testing::Values(HostileServer::Answer::endlessBody,
-                                           HostileServer::Answer::gzipBomb));
+                                           HostileServer::Answer::gzipBomb),
+                         [](const auto& named) {
+                             return std::string(named.param == HostileServer::Answer::gzipBomb
+                                                    ? "GzipBomb"
+                                                    : "EndlessBody");
+                         });
 
 enum class BrokenStore { folder, pipe, danglingSymlink };
+
+std::string brokenStoreName(const ::testing::TestParamInfo<BrokenStore>& kind) {
+    static const char* const kNames[] = {"Folder", "Pipe", "DanglingSymlink"};
+    return kNames[static_cast<int>(kind.param)];
+}
 
 class BrokenStoreTest : public HostileConditionsTest,
                         public ::testing::WithParamInterface<BrokenStore> {};
@@ -96,7 +106,8 @@ INSTANTIATE_TEST_SUITE_P(Kinds,
                          BrokenStoreTest,
                          ::testing::Values(BrokenStore::folder,
                                            BrokenStore::pipe,
-                                           BrokenStore::danglingSymlink));
+                                           BrokenStore::danglingSymlink),
+                         brokenStoreName);
 
 TEST_F(HostileConditionsTest, ARebuildKeepsTheBrokenStoreAndSaysWhere) {
     fs::create_directories(home.path() + "/documents");

@@ -149,6 +149,7 @@ TEST_F(TunebrookAppTest, CommandsRunAfterTheLaunch) {
 }
 
 struct BadOption {
+    const char* name;
     std::vector<std::string> arguments;
     const char* told;
 };
@@ -171,12 +172,17 @@ TEST_P(TunebrookBadOptionTest, IsRefusedBeforeTheLaunchInPlainWords) {
 INSTANTIATE_TEST_SUITE_P(
     Options,
     TunebrookBadOptionTest,
-    ::testing::Values(
-        BadOption{{"--home", ""}, "--home: needs a folder"},
-        BadOption{{"--home", "HOME", "trending", "--page", "0"}, "pages are numbered from 1"},
-        BadOption{{"--home", "HOME", "chart", "songs", "--page=-3"}, "pages are numbered from 1"},
-        BadOption{{"--home", "HOME", "search", "x", "--page", "two"},
-                  "pages are numbered from 1"}));
+    ::testing::Values(BadOption{"EmptyHome", {"--home", ""}, "--home: needs a folder"},
+                      BadOption{"PageZero",
+                                {"--home", "HOME", "trending", "--page", "0"},
+                                "pages are numbered from 1"},
+                      BadOption{"NegativePage",
+                                {"--home", "HOME", "chart", "songs", "--page=-3"},
+                                "pages are numbered from 1"},
+                      BadOption{"PageInWords",
+                                {"--home", "HOME", "search", "x", "--page", "two"},
+                                "pages are numbered from 1"}),
+    [](const auto& named) { return std::string(named.param.name); });
 
 }  // namespace
 }  // namespace tb
