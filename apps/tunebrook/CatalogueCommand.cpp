@@ -48,8 +48,16 @@ void CatalogueCommand::fail(const std::string& message) {
 
 void CatalogueCommand::addPageOption(CLI::App& command, int& page) {
     command.add_option("--page", page, "The page, from 1")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
+        ->capture_default_str()
+        ->check(CLI::Validator(
+            [](std::string& value) {
+                int number = 0;
+                return CLI::detail::lexical_cast(value, number) && number >= 1
+                           ? std::string()
+                           : "pages are numbered from 1: --page 1 is the first page, "
+                             "--page 2 the next";
+            },
+            "N"));
 }
 
 void CatalogueCommand::addGenreOption(CLI::App& command,

@@ -37,7 +37,14 @@ int main(int argc, char** argv) {
     tb::SessionOptions options;
     bool stay = false;
     cli.add_option("--home", options.home, "Keep every file of the app under DIR")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(CLI::Validator(
+            [](std::string& value) {
+                // Empty is no folder at all: the default folders would be used silently.
+                return value.empty() ? "needs a folder; leave --home out for the default folders"
+                                     : std::string();
+            },
+            "DIR"));
     cli.add_option("--keys", options.keysFile,
                    "The keys file (default: keys.json in the config folder)")
         ->type_name("FILE");

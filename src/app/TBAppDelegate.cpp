@@ -11,11 +11,13 @@
 #include "app/AppContext.h"
 #include "core/LocationManager.h"
 #include "core/TBConstants.h"
+#include "core/TBLinks.h"
 #include "core/TBPermisionsManager.h"
 #include "core/TBPreferencesRepository.h"
 #include "core/TunebrookKeys.h"
 #include "core/URLComponents.h"
 #include "model/TBUtil.h"
+#include "model/store/PersistentStoreCoordinator.h"
 #include "platform/ErrorReporter.h"
 #include "platform/ExternalSdks.h"
 #include "platform/Fatal.h"
@@ -193,6 +195,13 @@ std::string TBAppDelegate::chooseEnvironment() {
 std::string TBAppDelegate::openStore() {
     auto& data = context_.dataManager();
     data.startup();
+    if (!data.keptBrokenStorePath().empty()) {
+        return "rebuilt; the broken store is kept at " + data.keptBrokenStorePath();
+    }
+    const auto& coordinator = data.persistentStoreCoordinator();
+    if (data.managedObjectContext() && !coordinator->hasPersistentStore()) {
+        return "can't be read; the app goes on without it";
+    }
     return data.managedObjectContext() ? "open" : "unavailable";
 }
 
@@ -315,6 +324,9 @@ std::optional<UserInfo> TBAppDelegate::notificationForURL(const std::string& url
     }
     const std::string id =
         parts->path.empty() || parts->path[0] != '/' ? parts->path : parts->path.substr(1);
+    if (!TBLinks::isLinkId(id)) {
+        return std::nullopt;
+    }
     UserInfo notification{{"type", parts->host}, {"id", id}};
     if (!id.empty() && parts->query.rfind(kKeyQueryPrefix, 0) == 0) {
         notification["params"] = UserInfo{{"key", removeAll(parts->query, kKeyQueryPrefix)}};

@@ -52,7 +52,7 @@ class TBAppDelegate {
     // What a "tunebrook://TYPE/ID?key=K" link carries for the deep links: "type" (the host),
     // "id" (the path without its leading "/") and, only for a non-empty id whose query
     // begins with "key=", "params" = {"key": the query without any "key="}. Nothing for
-    // another scheme or a malformed link.
+    // another scheme, a malformed link, or an id that holds "/" or "..".
     static std::optional<UserInfo> notificationForURL(const std::string& url);
 
     // Taken once during the launch and kept for the life of the process.

@@ -28,4 +28,19 @@ std::string TBLinks::webHostFor(const AppOptions& options, const TunebrookKeys& 
     return originOf(options.webURL.empty() ? keys.wsUrlLive() : options.webURL);
 }
 
+bool TBLinks::isLinkId(std::string_view id) {
+    constexpr auto npos = std::string_view::npos;
+    const auto isPiece = [](std::string_view piece) {
+        return !piece.empty() && piece != "." && piece.find('/') == npos;
+    };
+    if (id.empty() || id.find("..") != npos) {
+        return id.empty();
+    }
+    const auto slash = id.find('/');
+    if (slash == npos) {
+        return isPiece(id);
+    }
+    return isPiece(id.substr(0, slash)) && isPiece(id.substr(slash + 1));
+}
+
 }  // namespace tb

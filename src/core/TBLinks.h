@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tb {
 
@@ -19,6 +20,12 @@ struct TBLinks {
     // else the origin of the live API address (a service that answers its pages and its API
     // on one origin). Empty when neither names a host.
     static std::string webHostFor(const AppOptions& options, const TunebrookKeys& keys);
+
+    // Whether a link's item id (as decoded) can be taken: a slug, or an uploader's slug and
+    // an item's slug joined by one "/" ("artist-slug/title-slug"). Any other "/" (leading,
+    // doubled, a third piece) and any ".." would make the id name another place once it
+    // is put into an address or a path, and is refused. The empty id is taken.
+    static bool isLinkId(std::string_view id);
 
     std::string contactUs;
     std::string privacyPolicy;

@@ -1,5 +1,6 @@
 #include "model/TBDataManagerStore.h"
 
+#include <ctime>
 #include <filesystem>
 #include <system_error>
 
@@ -23,6 +24,16 @@ constexpr const char* kStoreFileName = "CoreData.sqlite";
 std::string underlyingErrorOf(const Error& error) {
     const auto found = error.userInfo.find(StoreError::kUnderlyingErrorKey);
     return found == error.userInfo.end() ? std::string() : found->second;
+}
+
+// The local date and time as a file name takes it: "2026-11-25-063117".
+std::string dateStamp() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char text[32] = {};
+    std::strftime(text, sizeof text, "%Y-%m-%d-%H%M%S", &local);
+    return text;
 }
 
 }  // namespace
@@ -80,9 +91,17 @@ std::shared_ptr<ObjectContext> TBDataManagerStore::loadManagedObjectContext() {
     if (auto coordinator = loadPersistentStoreCoordinator()) {
         managedObjectContext_ = std::make_shared<ObjectContext>(std::move(coordinator));
     }
-    // Whether or not the store opened: a missing file stops the process here.
+    // Whether or not the store opened. An open store has all three files, so a missing one
+    // is a fault; after a failed opening whatever is there may be broken, and it is left
+    // alone: the run goes on without a store rather than stopping at every launch.
+    const bool open =
+        persistentStoreCoordinator_ && persistentStoreCoordinator_->hasPersistentStore();
     for (const std::string& file : PersistentStoreCoordinator::storeFiles(storePath())) {
-        addSkipBackupAttributeToItemAtURL(file);
+        std::error_code ignored;
+        if (open ||
+            std::filesystem::is_regular_file(std::filesystem::symlink_status(file, ignored))) {
+            addSkipBackupAttributeToItemAtURL(file);
+        }
     }
     return managedObjectContext_;
 }
@@ -93,7 +112,8 @@ void TBDataManagerStore::recreateDatabase() {
     if (persistentStoreCoordinator_) {
         persistentStoreCoordinator_->removePersistentStore();
     }
-    PersistentStoreCoordinator::destroyPersistentStore(storePath());
+    keptBrokenStorePath_ =
+        PersistentStoreCoordinator::setPersistentStoreAside(storePath(), dateStamp());
     managedObjectContext_.reset();
     persistentStoreCoordinator_.reset();
     managedObjectContext_ = loadManagedObjectContext();

@@ -36,12 +36,18 @@ class TBDataManagerStore {
     // the answer is the coordinator kept after that, with or without a store behind it.
     std::shared_ptr<PersistentStoreCoordinator> loadPersistentStoreCoordinator();
     // The one context, over the coordinator. Then marks the store's three files as not to
-    // be backed up; a file that is missing at that point is a fault that stops the process.
+    // be backed up: with the store open, a file that is missing is a fault that stops the
+    // process; a store that failed to open may have left any of them missing, or something
+    // other than a file in their place, and only its plain files are marked.
     std::shared_ptr<ObjectContext> loadManagedObjectContext();
 
-    // The destructive rebuild: closes and deletes the store and its two sidecars, then opens
-    // a fresh empty one. Every row is gone afterwards; audio files are not touched.
+    // The rebuild: closes the store, keeps the broken file (and its "-wal") beside the new
+    // one as "CoreData-broken-<date>.sqlite", removes "-shm", then opens a fresh empty
+    // store. The app's rows are gone from the new store; audio files are not touched.
     void recreateDatabase();
+    // The kept copy of the store the last rebuild of this run set aside; empty when nothing
+    // was rebuilt (or there was no file to keep).
+    const std::string& keptBrokenStorePath() const { return keptBrokenStorePath_; }
 
     std::string applicationDocumentsDirectory() const { return documentsDirectory_; }
     // "<documents>/CoreData.sqlite".
@@ -73,6 +79,7 @@ class TBDataManagerStore {
     std::unique_ptr<ManagedObjectModel> managedObjectModel_;
     std::shared_ptr<PersistentStoreCoordinator> persistentStoreCoordinator_;
     std::shared_ptr<ObjectContext> managedObjectContext_;
+    std::string keptBrokenStorePath_;
 };
 
 }  // namespace tb

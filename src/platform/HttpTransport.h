@@ -22,6 +22,16 @@ std::optional<std::string> findHeader(const HttpHeaders& headers, std::string_vi
 // and any further ones removed; without one, it is added at the end.
 void setHeader(HttpHeaders& headers, std::string_view name, std::string value);
 
+// The most body bytes an answer kept in memory may have: far above any page of the
+// catalogue, and small enough that an answer that reaches it can still be parsed in a few
+// tens of MB.
+inline constexpr std::int64_t kMaxKeptBodyBytes = 4 << 20;
+
+namespace URLError {
+// The platform's code for an answer larger than the request takes.
+inline constexpr std::int64_t kDataLengthExceedsMaximum = -1103;
+}  // namespace URLError
+
 struct HttpRequest {
     std::string method = "GET";
     std::string url;
@@ -40,6 +50,13 @@ struct HttpRequest {
     std::function<void(std::string_view chunk)> onData;
     std::function<void(std::int64_t received, std::int64_t expected)>
         onProgress;  // expected -1 if unknown
+
+    // The most body bytes the request takes, counted as they are delivered: after decoding,
+    // so a small compressed answer that inflates counts as what it inflates to. Past it the
+    // transfer stops and fails with URLError::kDataLengthExceedsMaximum. Without a value, a
+    // body kept in HttpResponse::body gets kMaxKeptBodyBytes, and one that goes to a file or
+    // to onData (never held whole) gets no limit. Zero or less: no limit.
+    std::optional<std::int64_t> maxBodyBytes;
 };
 
 struct HttpResponse {

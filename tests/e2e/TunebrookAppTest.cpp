@@ -140,7 +140,49 @@ TEST_F(TunebrookAppTest, CommandsRunAfterTheLaunch) {
     EXPECT_THAT(refused.output, HasSubstr("open: not taken"));
 
     EXPECT_NE(runApp(withHome({"open"})).status, 0);
+
+    // An id that climbs out of its place is refused as the link is read (after decoding).
+    const auto climbing =
+        runApp(withHome({"open", "tunebrook://song/%2E%2E%2F%2E%2E%2Fetc%2Fpasswd"}));
+    EXPECT_EQ(climbing.status, 1) << climbing.output;
+    EXPECT_THAT(climbing.output, HasSubstr("open: not taken"));
 }
+
+struct BadOption {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* told;
+};
+
+class TunebrookBadOptionTest : public TunebrookAppTest,
+                               public ::testing::WithParamInterface<BadOption> {};
+
+// A bad option stops the run before the launch, saying what would be right.
+TEST_P(TunebrookBadOptionTest, IsRefusedBeforeTheLaunchInPlainWords) {
+    std::vector<std::string> arguments = {"--keys", keys};
+    for (std::string argument : GetParam().arguments) {
+        arguments.push_back(argument == "HOME" ? home.path() : argument);
+    }
+    const auto run = runApp(arguments);
+    EXPECT_NE(run.status, 0);
+    EXPECT_THAT(run.output, HasSubstr(GetParam().told));
+    EXPECT_THAT(run.output, Not(HasSubstr("launch:")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Options,
+    TunebrookBadOptionTest,
+    ::testing::Values(BadOption{"EmptyHome", {"--home", ""}, "--home: needs a folder"},
+                      BadOption{"PageZero",
+                                {"--home", "HOME", "trending", "--page", "0"},
+                                "pages are numbered from 1"},
+                      BadOption{"NegativePage",
+                                {"--home", "HOME", "chart", "songs", "--page=-3"},
+                                "pages are numbered from 1"},
+                      BadOption{"PageInWords",
+                                {"--home", "HOME", "search", "x", "--page", "two"},
+                                "pages are numbered from 1"}),
+    [](const auto& named) { return std::string(named.param.name); });
 
 }  // namespace
 }  // namespace tb

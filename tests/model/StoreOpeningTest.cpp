@@ -10,6 +10,7 @@
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include "api/TBDataManager.h"
 #include "core/TBConstants.h"
@@ -21,13 +22,17 @@
 #include "model/store/StoreError.h"
 #include "platform/BackupExclusion.h"
 #include "support/DaoTestSupport.h"
+#include "support/FileContents.h"
+#include "support/TempDir.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tb::test {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::MatchesRegex;
 
 const TBCrashlyticsErrorCodes& codes() {
     return TBConstants::TBCrashlyticsErrorCodes();
@@ -183,6 +188,12 @@ TEST_F(StoreOpeningTest,
     EXPECT_FALSE(flag());
     ASSERT_TRUE(launch.data().persistentStoreCoordinator()->hasPersistentStore());
     EXPECT_EQ(rowCount(launch), 0);
+    // The broken file is kept beside the new store, under a name with the date.
+    const std::string kept = launch.data().keptBrokenStorePath();
+    EXPECT_THAT(kept,
+                MatchesRegex(device.context().paths().documents +
+                             "/CoreData-broken-[0-9]{4}-[0-9]{2}-[0-9]{2}-[0-9]{6}\\.sqlite"));
+    EXPECT_EQ(readFileText(kept), std::string(8192, 'g'));
     for (const std::string& file : PersistentStoreCoordinator::storeFiles(path())) {
         EXPECT_TRUE(isExcludedFromBackup(file)) << file;
     }
@@ -209,7 +220,8 @@ TEST_F(StoreOpeningTest,
 
 TEST_F(StoreOpeningTest, ACorruptStoreIsRebuiltAndASecondCorruptionInTheSameRunIsIgnored) {
     makeStoreWithRows(400);
-    fs::resize_file(path(), fs::file_size(path()) / 2);
+    const auto truncated = fs::file_size(path()) / 2;
+    fs::resize_file(path(), truncated);
 
     Launch launch(device);
     launch.startup();
@@ -217,6 +229,7 @@ TEST_F(StoreOpeningTest, ACorruptStoreIsRebuiltAndASecondCorruptionInTheSameRunI
     EXPECT_EQ(events(), std::vector<std::int64_t>{codes().databaseRecreated});
     EXPECT_EQ(rowCount(launch), 0);
     EXPECT_TRUE(launch.policy().alertShown());
+    EXPECT_EQ(fs::file_size(launch.data().keptBrokenStorePath()), truncated);
 
     auto row = launch.store()->insertNewObject<Item>();
     row->itemID = "kept";
@@ -404,18 +417,68 @@ TEST(StoreFullDiskTest, AFileSizeLimitReachesTheLowStorageAlertToo) {
     expectLowStorageAlert(result);
 }
 
-// The backup mark wants each of the three files: a store that failed without its sidecars
-// stops the process right there, as the launch always has.
+// Something other than a store file in the place of the store or a sidecar: the opening
+// fails as a store that can't be read (nothing is deleted, the run goes on without a
+// store), nothing stops the process, and nothing is written where a symlink points.
+struct BrokenPath {
+    const char* name;
+    const char* file;  // "" for the store, else the sidecar's suffix
+    enum { folder, danglingSymlink, pipe } kind;
+};
+
+class BrokenStorePathTest : public StoreOpeningTest,
+                            public ::testing::WithParamInterface<BrokenPath> {
+  protected:
+    void SetUp() override {
+        const std::string broken = path() + GetParam().file;
+        switch (GetParam().kind) {
+            case BrokenPath::folder:
+                fs::create_directory(broken);
+                break;
+            case BrokenPath::danglingSymlink:
+                fs::create_symlink(outside.file("elsewhere"), broken);
+                break;
+            case BrokenPath::pipe:
+                ASSERT_EQ(mkfifo(broken.c_str(), 0600), 0);
+                break;
+        }
+    }
+    TempDir outside;
+};
+
+TEST_P(BrokenStorePathTest, FailsAsAnUnreadableStoreAndTheRunGoesOn) {
+    for (int run = 0; run < 2; ++run) {
+        clearRecords();
+        Launch launch(device);
+        launch.startup();
+        EXPECT_EQ(storeErrors(), std::vector<std::int64_t>{StoreError::kUnreadable});
+        ASSERT_NE(launch.store(), nullptr);
+        EXPECT_FALSE(launch.data().persistentStoreCoordinator()->hasPersistentStore());
+        EXPECT_EQ(launch.dao().findByID("s1"), nullptr);
+        EXPECT_TRUE(launch.data().keptBrokenStorePath().empty());
+        device.queue.advanceBy(5);
+        EXPECT_TRUE(device.ui.alerts.empty());
+    }
+    EXPECT_TRUE(flag());
+    EXPECT_TRUE(fs::is_symlink(path() + GetParam().file) || fs::exists(path() + GetParam().file));
+    EXPECT_TRUE(folderEntries(outside.path()).empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds,
+    BrokenStorePathTest,
+    ::testing::Values(BrokenPath{"FolderAsStore", "", BrokenPath::folder},
+                      BrokenPath{"DanglingSymlinkAsStore", "", BrokenPath::danglingSymlink},
+                      BrokenPath{"PipeAsStore", "", BrokenPath::pipe},
+                      BrokenPath{"FolderAsWal", "-wal", BrokenPath::folder},
+                      BrokenPath{"DanglingSymlinkAsWal", "-wal", BrokenPath::danglingSymlink},
+                      BrokenPath{"DanglingSymlinkAsShm", "-shm", BrokenPath::danglingSymlink}),
+    [](const auto& named) { return std::string(named.param.name); });
+
 class StoreOpeningDeathTest : public StoreOpeningTest {
   protected:
     StoreOpeningDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
-
-TEST_F(StoreOpeningDeathTest, AnUnreadableStoreWithoutSidecarsStopsTheProcessAtTheBackupMark) {
-    fs::create_directory(path());
-    EXPECT_DEATH(Launch(device).startup(),
-                 "\\[\\[NSFileManager defaultManager\\] fileExistsAtPath: \\[URL path\\]\\]");
-}
 
 TEST_F(StoreOpeningDeathTest, TheBackupMarkWantsAnExistingFile) {
     Launch launch(device);

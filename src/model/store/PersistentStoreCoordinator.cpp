@@ -65,6 +65,36 @@ bool configure(SqliteDatabase& database, SqliteError* error) {
     return true;
 }
 
+// Nothing, or a plain file, in the place of each of the store's files; else the failure.
+bool plainStoreFiles(const std::vector<std::string>& files, SqliteError* error) {
+    for (const std::string& file : files) {
+        std::error_code ignored;
+        const auto type = std::filesystem::symlink_status(file, ignored).type();
+        if (type != std::filesystem::file_type::not_found &&
+            type != std::filesystem::file_type::regular) {
+            *error =
+                SqliteError{SQLITE_CANTOPEN, SQLITE_CANTOPEN, 0, file + " is not a plain file"};
+            return false;
+        }
+    }
+    return true;
+}
+
+// "<stem>-broken-<stamp><extension>" beside the store; a second rebuild within the same
+// second gets a number after the stamp.
+std::string unusedKeptName(const std::filesystem::path& store, const std::string& stamp) {
+    for (int attempt = 1;; ++attempt) {
+        const std::string suffix = attempt == 1 ? "" : "-" + std::to_string(attempt);
+        const auto kept = store.parent_path() / (store.stem().string() + "-broken-" + stamp +
+                                                 suffix + store.extension().string());
+        std::error_code ignored;
+        if (std::filesystem::symlink_status(kept, ignored).type() ==
+            std::filesystem::file_type::not_found) {
+            return kept.string();
+        }
+    }
+}
+
 }  // namespace
 
 PersistentStoreCoordinator::PersistentStoreCoordinator(ManagedObjectModel model)
@@ -75,7 +105,9 @@ PersistentStoreCoordinator::~PersistentStoreCoordinator() = default;
 bool PersistentStoreCoordinator::addPersistentStore(const std::string& path, Error* error) {
     removePersistentStore();
     SqliteError failure;
-    auto database = SqliteDatabase::open(path, &failure);
+    auto database = plainStoreFiles(storeFiles(path), &failure)
+                        ? SqliteDatabase::open(path, &failure)
+                        : nullptr;
     // No page is checked here: opening reads the header and the schema, which is where a torn,
     // truncated or foreign file fails. A broken page further in is met by the first statement
     // that reads it, and fails that statement alone.
@@ -171,6 +203,26 @@ void PersistentStoreCoordinator::destroyPersistentStore(const std::string& path)
         std::error_code ignored;
         std::filesystem::remove(file, ignored);
     }
+}
+
+std::string PersistentStoreCoordinator::setPersistentStoreAside(const std::string& path,
+                                                                const std::string& stamp) {
+    namespace fs = std::filesystem;
+    const fs::path store(path);
+    std::error_code error;
+    if (fs::symlink_status(store, error).type() != fs::file_type::regular) {
+        destroyPersistentStore(path);
+        return {};
+    }
+    const std::string kept = unusedKeptName(store, stamp);
+    fs::rename(path, kept, error);
+    if (error) {
+        destroyPersistentStore(path);
+        return {};
+    }
+    fs::rename(path + "-wal", kept + "-wal", error);
+    destroyPersistentStore(path);
+    return kept;
 }
 
 }  // namespace tb

@@ -30,7 +30,10 @@ class PersistentStoreCoordinator {
     const ManagedObjectModel& managedObjectModel() const { return model_; }
 
     // Opens the store at `path`. On failure the coordinator stays without a store and the
-    // error (see StoreError) says why.
+    // error (see StoreError) says why. Anything other than a plain file in the place of the
+    // store or a sidecar (a folder, a symlink, a pipe) fails as a store that can't be read,
+    // before SQLite touches it: SQLite would create a symlink's target wherever it points,
+    // and block on a pipe.
     bool addPersistentStore(const std::string& path, Error* error);
     bool hasPersistentStore() const { return database_ != nullptr; }
     const std::string& storePath() const { return path_; }
@@ -50,6 +53,11 @@ class PersistentStoreCoordinator {
     static std::vector<std::string> storeFiles(const std::string& path);
     // Removes the three files; a missing one is no error. Close the store first.
     static void destroyPersistentStore(const std::string& path);
+    // Moves the store file and its "-wal" (which holds the latest rows) beside it under a
+    // name that carries `stamp`, "CoreData-broken-<stamp>.sqlite", and removes "-shm". The
+    // answer is the kept store's path, or empty when there was no store file to keep (or it
+    // couldn't be moved, and so was removed). Close the store first.
+    static std::string setPersistentStoreAside(const std::string& path, const std::string& stamp);
 
     // For the context: the open connection (or null) and a number that changes whenever the
     // store is added or removed.

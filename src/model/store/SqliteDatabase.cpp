@@ -26,8 +26,10 @@ SqliteError errorOf(sqlite3* db, int code) {
 
 std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const std::string& path, SqliteError* error) {
     sqlite3* db = nullptr;
-    // One connection per thread of use: SQLite's own mutexes would only cost time.
-    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+    // One connection per thread of use: SQLite's own mutexes would only cost time. A symlink
+    // in the path is refused rather than followed out of the app's folders.
+    int flags =
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
     int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
     if (rc != SQLITE_OK) {
         if (error) {

@@ -106,12 +106,21 @@ bool writeFileAtomically(const std::string& path,
 }
 
 FileRead readWholeFile(const std::string& path, std::string& contents, std::string* reason) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // O_NONBLOCK: a pipe planted in a file's place must not hang the app at the open.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
         if (errno == ENOENT) {
             return FileRead::Missing;
         }
         fail(reason, "can't open " + path);
+        return FileRead::Failed;
+    }
+    struct stat status {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
+        ::close(fd);
+        if (reason) {
+            *reason = "can't read " + path + ": not a plain file";
+        }
         return FileRead::Failed;
     }
     contents.clear();

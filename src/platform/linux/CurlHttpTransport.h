@@ -22,7 +22,10 @@ class MainQueue;
 // - An HTTP status of any value is a response. Transfer failures carry URLError codes:
 //   -1001 timed out, -999 cancelled, -1003 host not found, -1004 cannot connect, -1009 not
 //   connected (no route or no usable network interface), -1005 connection lost, -1200 TLS
-//   failure, -3003 the destination file could not be written.
+//   failure, -3003 the destination file could not be written, -1103 the answer went past
+//   its limit (the request's maxBodyBytes, or 256 KB of headers).
+// - The body limit is counted on the decoded bytes, and the transfer stops at the chunk
+//   that would pass it, so memory stays bounded whatever the server sends.
 // - destinationFile: a 2xx body goes to a temporary file beside the destination, which is
 //   renamed over it once the transfer has succeeded; in every other case the temporary
 //   file is removed and the destination is left alone. The body of a non-2xx answer is

@@ -18,6 +18,8 @@ namespace {
 
 constexpr long kMaxRedirects = 10;
 constexpr std::size_t kMaxErrorBodyBytes = 1 << 20;
+// Far more than any real answer's headers; curl bounds one line, this bounds their number.
+constexpr std::size_t kMaxHeaderBytes = 256 << 10;
 constexpr const char* kFailingURLKey = "NSErrorFailingURLStringKey";
 
 bool isSuccessStatus(long status) {
@@ -30,7 +32,6 @@ std::size_t onBody(char* data, std::size_t size, std::size_t count, void* user) 
     if (!transfer.takeChunk(std::string_view(data, length))) {
         return 0;  // curl ends the transfer with CURLE_WRITE_ERROR
     }
-    transfer.received += static_cast<std::int64_t>(length);
     if (transfer.request.onProgress) {
         curl_off_t expected = -1;
         curl_easy_getinfo(transfer.easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &expected);
@@ -39,19 +40,22 @@ std::size_t onBody(char* data, std::size_t size, std::size_t count, void* user) 
     return length;
 }
 
-// Header lines of every response on the way arrive here; a status line starts a new
-// response (a redirect or a 100 Continue), so only the last one's headers are kept.
+// Header lines of every response on the way arrive here.
 std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* user) {
     auto& transfer = *static_cast<CurlTransfer*>(user);
     const std::size_t length = size * count;
-    const std::string_view line(data, length);
-    if (line.substr(0, 5) == "HTTP/") {
-        transfer.response.headers.clear();
-    } else if (const auto colon = line.find(':'); colon != std::string_view::npos) {
-        transfer.response.headers.emplace_back(trimmed(line.substr(0, colon), " \t\r\n"),
-                                               trimmed(line.substr(colon + 1), " \t\r\n"));
+    return transfer.takeHeaderLine(std::string_view(data, length)) ? length : 0;
+}
+
+// "4 MB", "256 KB" or "1000 bytes", whichever unit divides the size.
+std::string sizeText(std::int64_t bytes) {
+    if (bytes % (1 << 20) == 0) {
+        return std::to_string(bytes >> 20) + " MB";
     }
-    return length;
+    if (bytes % (1 << 10) == 0) {
+        return std::to_string(bytes >> 10) + " KB";
+    }
+    return std::to_string(bytes) + " bytes";
 }
 
 void setMethodAndBody(CURL* easy, const HttpRequest& request) {
@@ -101,6 +105,10 @@ Error errorForCurl(const CurlTransfer& transfer, CURLcode code) {
     failure.loopbackTarget = ip != nullptr && isLoopbackAddress(ip);
     if (code == CURLE_COULDNT_RESOLVE_HOST || code == CURLE_COULDNT_CONNECT) {
         failure.hasNetworkInterface = hasUsableNetworkInterface();
+    }
+    if (!transfer.tooLarge.empty()) {
+        return urlError(URLError::kDataLengthExceedsMaximum, transfer.tooLarge,
+                        transfer.request.url);
     }
     if (transfer.fileWriteFailed) {
         failure.curlCode = CURLE_WRITE_ERROR;
@@ -165,7 +173,42 @@ bool CurlTransfer::commitTempFile() {
     return true;
 }
 
+std::int64_t CurlTransfer::bodyLimit() const {
+    const bool keptInMemory = !request.onData && request.destinationFile.empty();
+    return std::max<std::int64_t>(
+        0, request.maxBodyBytes.value_or(keptInMemory ? kMaxKeptBodyBytes : 0));
+}
+
+// A status line starts a new response (a redirect or a 100 Continue), so only the last
+// one's headers are kept and counted.
+bool CurlTransfer::takeHeaderLine(std::string_view line) {
+    const bool statusLine = line.substr(0, 5) == "HTTP/";
+    if (statusLine) {
+        response.headers.clear();
+        headerBytes = 0;
+    }
+    headerBytes += line.size();
+    if (headerBytes > kMaxHeaderBytes) {
+        tooLarge = "The service's answer has more than " +
+                   sizeText(static_cast<std::int64_t>(kMaxHeaderBytes)) + " of headers";
+        return false;
+    }
+    if (const auto colon = line.find(':'); !statusLine && colon != std::string_view::npos) {
+        response.headers.emplace_back(trimmed(line.substr(0, colon), " \t\r\n"),
+                                      trimmed(line.substr(colon + 1), " \t\r\n"));
+    }
+    return true;
+}
+
 bool CurlTransfer::takeChunk(std::string_view chunk) {
+    // Counted here, after decoding: a compressed answer counts as what it inflates to, and
+    // nothing past the limit is ever held.
+    const std::int64_t limit = bodyLimit();
+    if (limit > 0 && received + static_cast<std::int64_t>(chunk.size()) > limit) {
+        tooLarge = "The service's answer is larger than " + sizeText(limit);
+        return false;
+    }
+    received += static_cast<std::int64_t>(chunk.size());
     if (request.onData) {
         request.onData(chunk);
         return true;

@@ -22,6 +22,10 @@ struct CurlTransfer {
     char errorBuffer[CURL_ERROR_SIZE] = {};
     HttpResponse response;
     std::int64_t received = 0;
+    // Header bytes of the response on its way (a redirect starts the count again).
+    std::size_t headerBytes = 0;
+    // Set when the answer went past a limit and the transfer was stopped for it.
+    std::string tooLarge;
 
     // The destination file's body sink, chosen at the first chunk once the status is known.
     bool sinkChosen = false;
@@ -53,7 +57,15 @@ struct CurlTransfer {
     long status() const;
 
     // Takes one chunk of the body: to the caller's onData, the response, or the download.
+    // False (and `tooLarge` set) when the chunk would take the body past its limit.
     bool takeChunk(std::string_view chunk);
+
+    // Takes one header line. False (and `tooLarge` set) when the response's header block
+    // grows past what any real answer sends.
+    bool takeHeaderLine(std::string_view line);
+
+    // The request's body limit, or the default for where its body goes; 0 for none.
+    std::int64_t bodyLimit() const;
 
   private:
     bool openTempFile();
