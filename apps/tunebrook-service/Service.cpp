@@ -16,6 +16,7 @@
 #include "tunebrook-service/core/Database.h"
 #include "tunebrook-service/http/AdminRoutes.h"
 #include "tunebrook-service/http/ApiRouter.h"
+#include "tunebrook-service/http/ConnectionServer.h"
 #include "tunebrook-service/http/ErrorCodes.h"
 #include "tunebrook-service/http/FaultActions.h"
 #include "tunebrook-service/http/FaultInjector.h"
@@ -40,12 +41,7 @@
 
 namespace tb::service {
 
-namespace fs = std::filesystem;
-
 namespace {
-
-constexpr size_t kMaxBody = 1024 * 1024;
-constexpr size_t kWorkerThreads = 32;
 
 double wallClock() {
     using namespace std::chrono;
@@ -62,18 +58,19 @@ bool storedSecret(MetaStore& meta, const std::string& key, size_t length, std::s
     return !out.empty() && meta.set(key, out);
 }
 
-RequestBody readBody(const httplib::Request& request, const httplib::ContentReader& reader) {
+RequestBody readBody(const httplib::Request& request,
+                     const httplib::ContentReader& reader,
+                     size_t maxBody) {
     RequestBody body;
     if (!request.is_multipart_form_data()) {
         bool read = reader([&](const char* data, size_t length) {
-            body.tooLarge = body.text.size() + length > kMaxBody;
+            body.tooLarge = body.text.size() + length > maxBody;
             if (!body.tooLarge) {
                 body.text.append(data, length);
             }
             return !body.tooLarge;
         });
-        // The library refuses a body over the payload limit before we see any of it.
-        body.tooLarge = body.tooLarge || !read;
+        body.cutShort = !read && !body.tooLarge;
         return body;
     }
     body.multipart = true;
@@ -89,13 +86,13 @@ RequestBody readBody(const httplib::Request& request, const httplib::ContentRead
         },
         [&](const char* data, size_t length) {
             size += length;
-            body.tooLarge = size > kMaxBody;
+            body.tooLarge = size > maxBody;
             if (!isFile && !body.tooLarge) {
                 body.fields.back().value.append(data, length);
             }
             return !body.tooLarge;
         });
-    body.tooLarge = body.tooLarge || !read;
+    body.cutShort = !read && !body.tooLarge;
     return body;
 }
 
@@ -152,7 +149,7 @@ bool Service::start(std::string& error) {
 
 bool Service::prepareStore(std::string& error) {
     std::error_code ec;
-    fs::create_directories(options_.dataDir, ec);
+    std::filesystem::create_directories(options_.dataDir, ec);
     if (ec) {
         error = "cannot create " + options_.dataDir + ": " + ec.message();
         return false;
@@ -194,7 +191,7 @@ bool Service::prepareCatalogue(std::string& error) {
 }
 
 bool Service::bind(std::string& error) {
-    server_ = std::make_unique<httplib::Server>();
+    server_ = std::make_unique<ConnectionServer>(options_.connections);
     configureServer();
     MetaStore meta(*db_);
     port_ = options_.port != 0 ? bindTo(options_.port) : -1;
@@ -211,6 +208,7 @@ bool Service::bind(std::string& error) {
         error = "cannot listen on 127.0.0.1:" + std::to_string(options_.port);
         return false;
     }
+    server_->deepenBacklog();
     meta.set("last_port", std::to_string(port_));
     origin_ = "http://127.0.0.1:" + std::to_string(port_);
     baseUrl_ = origin_ + ApiRouter::kBasePath;
@@ -232,11 +230,6 @@ void Service::configureServer() {
         int yes = 1;
         setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
     });
-    server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkerThreads); };
-    server_->set_payload_max_length(kMaxBody);
-    server_->set_read_timeout(30);
-    // A player may stop reading for a while when its buffer is full.
-    server_->set_write_timeout(120);
     server_->set_keep_alive_max_count(100);
     server_->set_pre_routing_handler(
         [this](const httplib::Request& request, httplib::Response& response) {
@@ -288,9 +281,10 @@ void Service::installRoutes() {
     // doesn't apply; the payload limit set above still does.
     auto withBody = [this](const httplib::Request& request, httplib::Response& response,
                            const httplib::ContentReader& reader) {
-        RequestBody body = readBody(request, reader);
-        if (body.tooLarge) {
-            Reply::error(response, 413, kBadRequest, "The body is too large");
+        RequestBody body = readBody(request, reader, options_.connections.maxBody);
+        if (body.tooLarge || body.cutShort) {
+            Reply::error(response, body.tooLarge ? 413 : 400, kBadRequest,
+                         body.tooLarge ? "The body is too large" : "The body did not arrive whole");
             response.set_header("Connection", "close");
         } else if (!FaultActions::answerInstead(response)) {
             router_->dispatch(request, response, body);
@@ -314,7 +308,7 @@ void Service::stop() {
     stopRequested_ = true;
     faults_->stop();
     if (server_) {
-        server_->stop();
+        server_->shutDown();
     }
 }
 

@@ -6,13 +6,10 @@
 
 #include "tunebrook-service/ServiceOptions.h"
 
-namespace httplib {
-class Server;
-}
-
 namespace tb::service {
 
 class ApiRouter;
+class ConnectionServer;
 class Database;
 class FaultInjector;
 class NonceCache;
@@ -54,7 +51,7 @@ class Service {
     ServiceOptions options_;
     std::unique_ptr<Database> db_;
     std::unique_ptr<FaultInjector> faults_;
-    std::unique_ptr<httplib::Server> server_;
+    std::unique_ptr<ConnectionServer> server_;
     std::unique_ptr<ServiceContext> context_;
     std::unique_ptr<NonceCache> nonces_;
     std::unique_ptr<RequestAuthenticator> authenticator_;
