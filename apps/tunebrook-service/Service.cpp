@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 
 #include <httplib.h>
 #include <nlohmann/json.hpp>
@@ -13,6 +12,7 @@
 #include "tunebrook-service/auth/RequestAuthenticator.h"
 #include "tunebrook-service/catalogue/CatalogueGenerator.h"
 #include "tunebrook-service/core/Crypto.h"
+#include "tunebrook-service/core/DataFolder.h"
 #include "tunebrook-service/core/Database.h"
 #include "tunebrook-service/http/AdminRoutes.h"
 #include "tunebrook-service/http/ApiRouter.h"
@@ -123,7 +123,7 @@ bool Service::start(std::string& error) {
         }
         faults_->add(*rule);
     }
-    if (!prepareStore(error) || !prepareCatalogue(error) || !bind(error)) {
+    if (!prepareFolder(error) || !prepareStore(error) || !prepareCatalogue(error) || !bind(error)) {
         return false;
     }
     context_ = std::make_unique<ServiceContext>(*db_, options_.dataDir, origin_, mediaSecret_,
@@ -147,13 +147,14 @@ bool Service::start(std::string& error) {
     return true;
 }
 
+bool Service::prepareFolder(std::string& error) {
+    folder_ = std::make_unique<DataFolder>(options_.dataDir);
+    // The lock comes before anything is written, so that a second service changes nothing;
+    // files an older version made readable by others are narrowed at every start.
+    return folder_->claim(error) && folder_->makePrivate(error);
+}
+
 bool Service::prepareStore(std::string& error) {
-    std::error_code ec;
-    std::filesystem::create_directories(options_.dataDir, ec);
-    if (ec) {
-        error = "cannot create " + options_.dataDir + ": " + ec.message();
-        return false;
-    }
     db_ = Database::open(options_.dataDir + "/service.sqlite", error);
     if (!db_ || !Schema::create(*db_, error)) {
         error = "the store can't be opened: " + error;

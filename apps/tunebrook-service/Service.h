@@ -11,6 +11,7 @@ namespace tb::service {
 class ApiRouter;
 class ConnectionServer;
 class Database;
+class DataFolder;
 class FaultInjector;
 class NonceCache;
 class RequestAuthenticator;
@@ -40,6 +41,7 @@ class Service {
     ServiceContext& context() { return *context_; }
 
   private:
+    bool prepareFolder(std::string& error);
     bool prepareStore(std::string& error);
     bool prepareCatalogue(std::string& error);
     bool bind(std::string& error);
@@ -49,6 +51,7 @@ class Service {
     void configureServer();
 
     ServiceOptions options_;
+    std::unique_ptr<DataFolder> folder_;
     std::unique_ptr<Database> db_;
     std::unique_ptr<FaultInjector> faults_;
     std::unique_ptr<ConnectionServer> server_;
