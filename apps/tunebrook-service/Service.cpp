@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 
 #include <httplib.h>
 #include <nlohmann/json.hpp>
@@ -13,9 +12,11 @@
 #include "tunebrook-service/auth/RequestAuthenticator.h"
 #include "tunebrook-service/catalogue/CatalogueGenerator.h"
 #include "tunebrook-service/core/Crypto.h"
+#include "tunebrook-service/core/DataFolder.h"
 #include "tunebrook-service/core/Database.h"
 #include "tunebrook-service/http/AdminRoutes.h"
 #include "tunebrook-service/http/ApiRouter.h"
+#include "tunebrook-service/http/ConnectionServer.h"
 #include "tunebrook-service/http/ErrorCodes.h"
 #include "tunebrook-service/http/FaultActions.h"
 #include "tunebrook-service/http/FaultInjector.h"
@@ -41,12 +42,7 @@
 
 namespace tb::service {
 
-namespace fs = std::filesystem;
-
 namespace {
-
-constexpr size_t kMaxBody = 1024 * 1024;
-constexpr size_t kWorkerThreads = 32;
 
 double wallClock() {
     using namespace std::chrono;
@@ -63,18 +59,19 @@ bool storedSecret(MetaStore& meta, const std::string& key, size_t length, std::s
     return !out.empty() && meta.set(key, out);
 }
 
-RequestBody readBody(const httplib::Request& request, const httplib::ContentReader& reader) {
+RequestBody readBody(const httplib::Request& request,
+                     const httplib::ContentReader& reader,
+                     size_t maxBody) {
     RequestBody body;
     if (!request.is_multipart_form_data()) {
         bool read = reader([&](const char* data, size_t length) {
-            body.tooLarge = body.text.size() + length > kMaxBody;
+            body.tooLarge = body.text.size() + length > maxBody;
             if (!body.tooLarge) {
                 body.text.append(data, length);
             }
             return !body.tooLarge;
         });
-        // The library refuses a body over the payload limit before we see any of it.
-        body.tooLarge = body.tooLarge || !read;
+        body.cutShort = !read && !body.tooLarge;
         return body;
     }
     body.multipart = true;
@@ -90,13 +87,13 @@ RequestBody readBody(const httplib::Request& request, const httplib::ContentRead
         },
         [&](const char* data, size_t length) {
             size += length;
-            body.tooLarge = size > kMaxBody;
+            body.tooLarge = size > maxBody;
             if (!isFile && !body.tooLarge) {
                 body.fields.back().value.append(data, length);
             }
             return !body.tooLarge;
         });
-    body.tooLarge = body.tooLarge || !read;
+    body.cutShort = !read && !body.tooLarge;
     return body;
 }
 
@@ -127,7 +124,7 @@ bool Service::start(std::string& error) {
         }
         faults_->add(*rule);
     }
-    if (!prepareStore(error) || !prepareCatalogue(error) || !bind(error)) {
+    if (!prepareFolder(error) || !prepareStore(error) || !prepareCatalogue(error) || !bind(error)) {
         return false;
     }
     context_ = std::make_unique<ServiceContext>(*db_, options_.dataDir, origin_, mediaSecret_,
@@ -151,13 +148,14 @@ bool Service::start(std::string& error) {
     return true;
 }
 
+bool Service::prepareFolder(std::string& error) {
+    folder_ = std::make_unique<DataFolder>(options_.dataDir);
+    // The lock comes before anything is written, so that a second service changes nothing;
+    // files an older version made readable by others are narrowed at every start.
+    return folder_->claim(error) && folder_->makePrivate(error);
+}
+
 bool Service::prepareStore(std::string& error) {
-    std::error_code ec;
-    fs::create_directories(options_.dataDir, ec);
-    if (ec) {
-        error = "cannot create " + options_.dataDir + ": " + ec.message();
-        return false;
-    }
     db_ = Database::open(options_.dataDir + "/service.sqlite", error);
     if (!db_ || !Schema::create(*db_, error)) {
         error = "the store can't be opened: " + error;
@@ -195,7 +193,7 @@ bool Service::prepareCatalogue(std::string& error) {
 }
 
 bool Service::bind(std::string& error) {
-    server_ = std::make_unique<httplib::Server>();
+    server_ = std::make_unique<ConnectionServer>(options_.connections);
     configureServer();
     MetaStore meta(*db_);
     port_ = options_.port != 0 ? bindTo(options_.port) : -1;
@@ -212,6 +210,7 @@ bool Service::bind(std::string& error) {
         error = "cannot listen on 127.0.0.1:" + std::to_string(options_.port);
         return false;
     }
+    server_->deepenBacklog();
     meta.set("last_port", std::to_string(port_));
     origin_ = "http://127.0.0.1:" + std::to_string(port_);
     baseUrl_ = origin_ + ApiRouter::kBasePath;
@@ -233,11 +232,6 @@ void Service::configureServer() {
         int yes = 1;
         setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
     });
-    server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkerThreads); };
-    server_->set_payload_max_length(kMaxBody);
-    server_->set_read_timeout(30);
-    // A player may stop reading for a while when its buffer is full.
-    server_->set_write_timeout(120);
     server_->set_keep_alive_max_count(100);
     server_->set_pre_routing_handler(
         [this](const httplib::Request& request, httplib::Response& response) {
@@ -289,9 +283,10 @@ void Service::installRoutes() {
     // doesn't apply; the payload limit set above still does.
     auto withBody = [this](const httplib::Request& request, httplib::Response& response,
                            const httplib::ContentReader& reader) {
-        RequestBody body = readBody(request, reader);
-        if (body.tooLarge) {
-            Reply::error(response, 413, kBadRequest, "The body is too large");
+        RequestBody body = readBody(request, reader, options_.connections.maxBody);
+        if (body.tooLarge || body.cutShort) {
+            Reply::error(response, body.tooLarge ? 413 : 400, kBadRequest,
+                         body.tooLarge ? "The body is too large" : "The body did not arrive whole");
             response.set_header("Connection", "close");
         } else if (!FaultActions::answerInstead(response)) {
             router_->dispatch(request, response, body);
@@ -316,7 +311,7 @@ void Service::stop() {
     stopRequested_ = true;
     faults_->stop();
     if (server_) {
-        server_->stop();
+        server_->shutDown();
     }
 }
 

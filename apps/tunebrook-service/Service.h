@@ -6,14 +6,12 @@
 
 #include "tunebrook-service/ServiceOptions.h"
 
-namespace httplib {
-class Server;
-}
-
 namespace tb::service {
 
 class ApiRouter;
+class ConnectionServer;
 class Database;
+class DataFolder;
 class FaultInjector;
 class NonceCache;
 class RequestAuthenticator;
@@ -43,6 +41,7 @@ class Service {
     ServiceContext& context() { return *context_; }
 
   private:
+    bool prepareFolder(std::string& error);
     bool prepareStore(std::string& error);
     bool prepareCatalogue(std::string& error);
     bool bind(std::string& error);
@@ -52,9 +51,10 @@ class Service {
     void configureServer();
 
     ServiceOptions options_;
+    std::unique_ptr<DataFolder> folder_;
     std::unique_ptr<Database> db_;
     std::unique_ptr<FaultInjector> faults_;
-    std::unique_ptr<httplib::Server> server_;
+    std::unique_ptr<ConnectionServer> server_;
     std::unique_ptr<ServiceContext> context_;
     std::unique_ptr<NonceCache> nonces_;
     std::unique_ptr<RequestAuthenticator> authenticator_;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tunebrook-service/ServiceContext.h"
+#include "tunebrook-service/http/ConnectionLimits.h"
 #include "tunebrook-service/media/MediaGenerator.h"
 
 namespace tb::service {
@@ -19,6 +20,7 @@ struct ServiceOptions {
     std::string mediaCache;           // shared folder of made media, "" for none
     MediaMode media = MediaMode::synthesize;
     ServiceSettings settings;
+    ConnectionLimits connections;
     std::function<double()> now;                       // wall clock by default
     std::function<void(const std::string&)> progress;  // standard error by default
 };

@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 #include <pthread.h>
+#include <sys/stat.h>
 
 #include "tunebrook-service/Service.h"
 #include "tunebrook-service/core/ProcessRunner.h"
@@ -60,6 +61,8 @@ int main(int argc, char** argv) {
     options.settings.streamUrlLifetimeSeconds = streamLifetime;
     options.settings.timestampWindowSeconds = window;
 
+    // Everything the service or its ffmpeg children create is its owner's alone.
+    umask(077);
     sigset_t signals = stopSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 

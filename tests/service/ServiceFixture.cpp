@@ -31,6 +31,7 @@ void ServiceFixture::SetUp() {
     options.settings.streamUrlLifetimeSeconds = 60;
     options.now = [this] { return wallClock() + offset_.load(); };
     options.progress = [](const std::string&) {};
+    options.connections = connections_;
     service_ = std::make_unique<tb::service::Service>(options);
     std::string error;
     ASSERT_TRUE(service_->start(error)) << error;

@@ -12,6 +12,7 @@
 #include "support/ServiceCall.h"
 #include "support/ServiceTestSigner.h"
 #include "support/TempDir.h"
+#include "tunebrook-service/http/ConnectionLimits.h"
 
 #include <gtest/gtest.h>
 
@@ -76,6 +77,8 @@ class ServiceFixture : public ::testing::Test {
     const std::string& dataDir() const { return dir_.path(); }
 
     ServiceTestSigner signer_{"", ""};
+    // The server's limits, for a test to narrow before SetUp.
+    tb::service::ConnectionLimits connections_;
 
   private:
     TempDir dir_;

@@ -1,12 +1,28 @@
 #include "tunebrook-service/core/Database.h"
 
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tunebrook-service/core/Statement.h"
 
 namespace tb::service {
 
 std::unique_ptr<Database> Database::open(const std::string& path, std::string& error) {
+    // The file is made private before SQLite opens it: its journal files take its mode.
+    int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (file < 0 || ::fchmod(file, 0600) != 0) {
+        error = "cannot open " + path + ": " + std::strerror(errno);
+        if (file >= 0) {
+            ::close(file);
+        }
+        return nullptr;
+    }
+    ::close(file);
     sqlite3* handle = nullptr;
     int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     if (sqlite3_open_v2(path.c_str(), &handle, flags, nullptr) != SQLITE_OK) {

@@ -60,4 +60,32 @@ std::optional<long long> FileUtil::size(const std::string& path) {
     return static_cast<long long>(info.st_size);
 }
 
+int FileUtil::openInside(const std::string& folder, const std::string& path) {
+    if (path.compare(0, folder.size() + 1, folder + "/") != 0) {
+        return -1;
+    }
+    int at = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    size_t start = folder.size() + 1;
+    while (at >= 0) {
+        size_t slash = path.find('/', start);
+        std::string name = path.substr(start, slash == std::string::npos ? slash : slash - start);
+        bool last = slash == std::string::npos;
+        // Non-blocking, so that a FIFO in a file's place can't hold the caller.
+        int flags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | (last ? O_NONBLOCK : O_DIRECTORY);
+        int next = name.empty() || name == ".." ? -1 : ::openat(at, name.c_str(), flags);
+        ::close(at);
+        if (last) {
+            struct stat info {};
+            if (next >= 0 && (::fstat(next, &info) != 0 || !S_ISREG(info.st_mode))) {
+                ::close(next);
+                next = -1;
+            }
+            return next;
+        }
+        at = next;
+        start = slash + 1;
+    }
+    return -1;
+}
+
 }  // namespace tb::service

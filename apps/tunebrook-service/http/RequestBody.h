@@ -14,7 +14,8 @@ struct RequestBody {
     std::string text;
     bool multipart = false;
     std::vector<FormParam> fields;
-    bool tooLarge = false;  // over the limit, or cut short: not to be used
+    bool tooLarge = false;  // over the limit: not to be used
+    bool cutShort = false;  // the peer stopped sending it in time, or broke its encoding
 };
 
 }  // namespace tb::service

@@ -35,6 +35,21 @@ std::string melodyExpression(const AudioAsset& asset) {
            "0.28*sin(2*PI*ld(1)*t)*pow(1-mod(t*" + rate + ",1),2)+0.1*sin(PI*" + root + "*t)";
 }
 
+// Media lives in the data folder, which only its owner may read; ffmpeg and copies make
+// files with the process's default mode.
+bool keepPrivate(const std::string& path) {
+    std::error_code ec;
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write, ec);
+    return !ec;
+}
+
+bool makePrivateFolder(const std::string& path) {
+    std::error_code ec;
+    fs::create_directories(path, ec);
+    fs::permissions(path, fs::perms::owner_all, ec);
+    return !ec;
+}
+
 bool copyFile(const std::string& from, const std::string& to) {
     std::error_code ec;
     std::string temp = to + ".part";
@@ -48,7 +63,7 @@ bool copyFile(const std::string& from, const std::string& to) {
         return false;
     }
     fs::rename(temp, to, ec);
-    return !ec;
+    return !ec && keepPrivate(to);
 }
 
 std::string placeholderContent(long long bytes, const std::string& name) {
@@ -150,11 +165,8 @@ std::vector<MediaGenerator::Job> MediaGenerator::missingJobs(const MediaPlan& pl
 }
 
 bool MediaGenerator::ensure(const MediaPlan& plan, uint64_t seed, std::string& error) {
-    std::error_code ec;
-    fs::create_directories(dataDir_ + "/audio", ec);
-    fs::create_directories(dataDir_ + "/images", ec);
-    if (ec) {
-        error = "cannot create the media folders: " + ec.message();
+    if (!makePrivateFolder(dataDir_ + "/audio") || !makePrivateFolder(dataDir_ + "/images")) {
+        error = "cannot create the media folders in " + dataDir_;
         return false;
     }
     auto jobs = missingJobs(plan, seed);
@@ -180,7 +192,7 @@ bool MediaGenerator::runJobs(std::vector<Job>& jobs, std::string& error) {
     if (mode_ == MediaMode::placeholder) {
         for (const auto& job : jobs) {
             if (!FileUtil::writeAtomically(
-                    job.target, placeholderContent(job.placeholderBytes, job.target), 0644)) {
+                    job.target, placeholderContent(job.placeholderBytes, job.target), 0600)) {
                 error = "cannot write " + job.target;
                 return false;
             }
@@ -206,8 +218,8 @@ bool MediaGenerator::runJobs(std::vector<Job>& jobs, std::string& error) {
     for (const auto& job : jobs) {
         std::string made = job.command.back();
         fs::rename(made, job.target, ec);
-        if (ec) {
-            error = "cannot move " + made + " into place: " + ec.message();
+        if (ec || !keepPrivate(job.target)) {
+            error = "cannot move " + made + " into place";
             return false;
         }
         if (!job.cached.empty()) {

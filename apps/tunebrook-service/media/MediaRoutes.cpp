@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include <fcntl.h>
 #include <httplib.h>
 #include <nlohmann/json.hpp>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tunebrook-service/ServiceContext.h"
@@ -25,9 +25,11 @@ namespace {
 
 constexpr size_t kChunk = 64 * 1024;
 
-// An open file that closes when the last reader lets go of it.
+// An open file that closes when the last reader lets go of it. Only a file inside the data
+// folder opens: a link put in a media file's or folder's place is not followed out of it.
 struct OpenFile {
-    explicit OpenFile(const std::string& path) : fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+    OpenFile(const std::string& folder, const std::string& path)
+        : fd(FileUtil::openInside(folder, path)) {}
     ~OpenFile() {
         if (fd >= 0) {
             ::close(fd);
@@ -47,15 +49,16 @@ bool knownMedia(ServiceContext& context, const std::string& name, const char* ki
 
 void serveFile(const httplib::Request& request,
                httplib::Response& response,
+               const ServiceContext& context,
                const std::string& path,
                const std::string& contentType) {
-    auto size = FileUtil::size(path);
-    auto file = std::make_shared<OpenFile>(path);
-    if (!size || file->fd < 0) {
+    auto file = std::make_shared<OpenFile>(context.dataDir, path);
+    struct stat info {};
+    if (file->fd < 0 || ::fstat(file->fd, &info) != 0) {
         Reply::error(response, 500, kServerError, "The file is missing");
         return;
     }
-    auto total = static_cast<uint64_t>(*size);
+    auto total = static_cast<uint64_t>(info.st_size);
     ByteRange range = ByteRange::parse(request.get_header_value("Range"), total);
     response.set_header("Accept-Ranges", "bytes");
     if (request.has_header("Range") && range.kind == ByteRange::Kind::unsatisfiable) {
@@ -109,7 +112,7 @@ void audio(const httplib::Request& request, httplib::Response& response, Service
         Reply::error(response, 404, kNotFound, "No such song");
         return;
     }
-    serveFile(request, response, MediaGenerator::audioPath(context.dataDir, song->audio),
+    serveFile(request, response, context, MediaGenerator::audioPath(context.dataDir, song->audio),
               "audio/mpeg");
 }
 
@@ -124,7 +127,8 @@ void image(const httplib::Request& request, httplib::Response& response, Service
         return;
     }
     response.set_header("Cache-Control", "public, max-age=86400");
-    serveFile(request, response, MediaGenerator::imagePath(context.dataDir, name), "image/jpeg");
+    serveFile(request, response, context, MediaGenerator::imagePath(context.dataDir, name),
+              "image/jpeg");
 }
 
 }  // namespace
