@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "SocialTokensFile.h"
 #include "app/AppContext.h"
 #include "app/TBAppDelegate.h"
 #include "core/TBLinks.h"
@@ -39,6 +40,7 @@ std::optional<Error> AppSession::launch(std::ostream& out) {
     appOptions.paths = options_.home.empty() ? xdgPaths() : Paths::underHome(options_.home);
     appOptions.keysFile = options_.keysFile;
     appOptions.appVersion = TB_VERSION;
+    appOptions.socialTokensFile = SocialTokensFile::pathIn(appOptions.paths);
 
     // The key store is read before anything is made, so that a broken one leaves no trace;
     // reachability watches the service's web host, which it names.

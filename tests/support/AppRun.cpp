@@ -21,11 +21,30 @@ AppRun AppRun::of(const std::string& binary,
                   double timeoutSeconds,
                   const SignalOn& signalOn) {
     TempDir dir;
+    return run(binary, arguments, timeoutSeconds, signalOn, dir, "/dev/null");
+}
+
+AppRun AppRun::withInput(const std::string& binary,
+                         const std::vector<std::string>& arguments,
+                         const std::string& input,
+                         double timeoutSeconds) {
+    TempDir dir;
+    const std::string inPath = dir.file("stdin");
+    writeFileText(inPath, input);
+    return run(binary, arguments, timeoutSeconds, {}, dir, inPath);
+}
+
+AppRun AppRun::run(const std::string& binary,
+                   const std::vector<std::string>& arguments,
+                   double timeoutSeconds,
+                   const SignalOn& signalOn,
+                   const TempDir& dir,
+                   const std::string& inPath) {
     const std::string outPath = dir.file("stdout");
     const std::string errPath = dir.file("stderr");
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, inPath.c_str(), O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0600);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),

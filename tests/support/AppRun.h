@@ -5,6 +5,8 @@
 
 namespace tb::test {
 
+class TempDir;
+
 // A signal sent to a run once its stdout holds `text` (for a program that runs until it is
 // told to stop).
 struct SignalOn {
@@ -25,6 +27,19 @@ struct AppRun {
                      const std::vector<std::string>& arguments,
                      double timeoutSeconds = 60,
                      const SignalOn& signalOn = {});
+    // The same with `input` on the program's standard input.
+    static AppRun withInput(const std::string& binary,
+                            const std::vector<std::string>& arguments,
+                            const std::string& input,
+                            double timeoutSeconds = 60);
+
+  private:
+    static AppRun run(const std::string& binary,
+                      const std::vector<std::string>& arguments,
+                      double timeoutSeconds,
+                      const SignalOn& signalOn,
+                      const TempDir& dir,
+                      const std::string& inPath);
 };
 
 }  // namespace tb::test

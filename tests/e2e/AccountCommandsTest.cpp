@@ -1,0 +1,207 @@
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <httplib.h>
+#include <nlohmann/json.hpp>
+#include <sys/stat.h>
+
+#include "support/AppRun.h"
+#include "support/FileContents.h"
+#include "support/ServiceProcess.h"
+#include "support/TempDir.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tb::test {
+namespace {
+
+using json = nlohmann::json;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+// The account commands of the tunebrook binary against one reference service; each test
+// has a home of its own. What the service was told comes from its report.
+class AccountCommandsTest : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        dir_ = std::make_unique<TempDir>();
+        service_ = std::make_unique<ServiceProcess>(
+            TB_SERVICE_BINARY, dir_->file("service"),
+            std::vector<std::string>{"--media", "placeholder", "--media-cache",
+                                     ServiceProcess::mediaCacheFor(TB_SERVICE_BINARY)});
+        demo_ = json::parse(readFileText(dir_->file("service/demo-account.json")), nullptr, false);
+    }
+    static void TearDownTestSuite() {
+        service_.reset();
+        dir_.reset();
+    }
+
+    void SetUp() override { ASSERT_TRUE(service_->started()) << service_->error(); }
+
+    std::vector<std::string> withHome(std::vector<std::string> arguments,
+                                      const std::string& keys = {}) const {
+        arguments.insert(arguments.begin(),
+                         {"--home", home_.path(), "--keys",
+                          keys.empty() ? dir_->file("service/keys.json") : keys});
+        return arguments;
+    }
+    AppRun app(std::vector<std::string> arguments) const {
+        return AppRun::of(TB_APP_BINARY, withHome(std::move(arguments)));
+    }
+    AppRun loginAsDemo() const {
+        return AppRun::withInput(TB_APP_BINARY,
+                                 withHome({"login", "--email", demo_["email"], "--password-stdin"}),
+                                 demo_["password"].get<std::string>() + "\n");
+    }
+
+    static json admin(const std::string& method, const std::string& path, const json& body = {}) {
+        httplib::Client client(service_->host(), service_->port());
+        auto answer = method == "GET"      ? client.Get(path)
+                      : method == "DELETE" ? client.Delete(path)
+                                           : client.Post(path, body.dump(), "application/json");
+        return answer ? json::parse(answer->body, nullptr, false) : json();
+    }
+    static json events(const std::string& kind) {
+        return admin("GET", "/admin/report?kind=" + kind)["events"];
+    }
+
+    static void expectSignedOut(const AppRun& whoami) {
+        EXPECT_EQ(whoami.status, 1);
+        EXPECT_THAT(whoami.out, HasSubstr("Nobody is signed in."));
+    }
+
+    inline static std::unique_ptr<TempDir> dir_;
+    inline static std::unique_ptr<ServiceProcess> service_;
+    inline static json demo_;
+    TempDir home_;
+};
+
+TEST_F(AccountCommandsTest, ASignInLastsAcrossRunsAndEveryRequestCarriesTheToken) {
+    const AppRun login = loginAsDemo();
+    ASSERT_EQ(login.status, 0) << login.err;
+    EXPECT_THAT(login.out, HasSubstr("Signed in as"));
+
+    admin("DELETE", "/admin/report");
+    const AppRun whoami = app({"--json", "whoami"});
+    ASSERT_EQ(whoami.status, 0) << whoami.err;
+    const json me = json::parse(whoami.out, nullptr, false);
+    EXPECT_EQ(me["slug"], demo_["url_slug"]);
+    EXPECT_EQ(me["checked_with_service"], true);
+    ASSERT_EQ(app({"trending"}).status, 0);
+
+    const json requests = events("request");
+    ASSERT_GE(requests.size(), 2u);
+    for (const auto& request : requests) {
+        EXPECT_EQ(request["account_id"].dump(), me["id"].get<std::string>()) << request.dump();
+    }
+    EXPECT_TRUE(events("login").empty()) << "the stored token was used, not a new login";
+
+    // The password shows nowhere, and only private files may hold it (the keychain's).
+    const std::string password = demo_["password"];
+    for (const AppRun& run : {login, whoami}) {
+        EXPECT_THAT(run.out + run.err, Not(HasSubstr(password)));
+    }
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home_.path())) {
+        if (entry.is_regular_file() &&
+            readFileText(entry.path()).find(password) != std::string::npos) {
+            struct stat info {};
+            ASSERT_EQ(stat(entry.path().c_str(), &info), 0);
+            EXPECT_EQ(info.st_mode & 077, 0u) << entry.path();
+        }
+    }
+
+    const AppRun logout = app({"logout"});
+    EXPECT_EQ(logout.status, 0);
+    EXPECT_THAT(logout.out, HasSubstr("Signed out of " + demo_["url_slug"].get<std::string>()));
+    expectSignedOut(app({"whoami"}));
+}
+
+struct Identity {
+    const char* name;
+    std::vector<std::string> loginArguments;
+};
+
+class AccountRefreshTest : public AccountCommandsTest,
+                           public ::testing::WithParamInterface<Identity> {};
+
+// The service's token lapses between two runs: the next catalogue request is refused once,
+// the stored identity signs in again, and the request is sent once more.
+TEST_P(AccountRefreshTest, AnExpiredTokenGivesOneFreshLoginAndOneRepeat) {
+    std::vector<std::string> arguments = GetParam().loginArguments;
+    const AppRun login = arguments.empty() ? loginAsDemo() : app(arguments);
+    ASSERT_EQ(login.status, 0) << login.err;
+
+    admin("POST", "/admin/tokens/expire", json::object());
+    admin("DELETE", "/admin/report");
+    const AppRun trending = app({"trending"});
+    EXPECT_EQ(trending.status, 0) << trending.err;
+
+    EXPECT_EQ(events("login").size(), 1u);
+    EXPECT_EQ(events("auth_refused").size(), 1u);
+    std::size_t repeats = 0;
+    for (const auto& request : events("request")) {
+        repeats += request["data"]["path"] == "music/trending" ? 1 : 0;
+    }
+    EXPECT_EQ(repeats, 1u);
+    EXPECT_EQ(app({"whoami"}).status, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Identities,
+                         AccountRefreshTest,
+                         ::testing::Values(Identity{"email", {}},
+                                           Identity{"google",
+                                                    {"login", "--social", "google", "--token",
+                                                     "gtoken-7101:g7101@example.com"}},
+                                           Identity{
+                                               "facebook",
+                                               {"login", "--social", "facebook", "--id", "7102",
+                                                "--token", "fbtoken-7102:f7102@example.com"}}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(AccountCommandsTest, ARefusedOrUnansweredLoginSaysSoInOneLineAndSignsNobodyIn) {
+    std::string deadKeys = readFileText(dir_->file("service/keys.json"));
+    const std::string port = ":" + std::to_string(service_->port());
+    for (auto at = deadKeys.find(port); at != std::string::npos; at = deadKeys.find(port)) {
+        deadKeys.replace(at, port.size(), ":1");
+    }
+    const std::string deadKeysPath = home_.file("dead-keys.json");
+    ASSERT_TRUE(writeFileText(deadKeysPath, deadKeys));
+
+    const std::string email = demo_["email"];
+    const std::vector<std::pair<std::vector<std::string>, std::string>> attempts = {
+        {withHome({"login", "--email", email, "--password", "not-the-password"}), ""},
+        {withHome({"login", "--email", "nobody@example.com", "--password", "whatever"}), ""},
+        {withHome({"login", "--email", email, "--password", "x"}, deadKeysPath),
+         "the service can't be reached"},
+    };
+    for (const auto& [arguments, expected] : attempts) {
+        const AppRun run = AppRun::of(TB_APP_BINARY, arguments);
+        EXPECT_NE(run.status, 0);
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_THAT(run.err, HasSubstr("tunebrook: login: " + expected));
+        EXPECT_THAT(run.out + run.err, Not(HasSubstr("not-the-password")));
+        expectSignedOut(app({"whoami"}));
+    }
+}
+
+TEST_F(AccountCommandsTest, RegisteringSignsTheNewAccountInAndATakenEmailIsRefused) {
+    const std::vector<std::string> arguments = {
+        "register",    "--email",    "fresh7103@example.com", "--artist-name",
+        "Fresh Voice", "--password", "a-long-password-7103"};
+    const AppRun first = app(arguments);
+    ASSERT_EQ(first.status, 0) << first.err;
+    EXPECT_THAT(first.out, HasSubstr("Registered and signed in as"));
+    EXPECT_EQ(app({"whoami"}).status, 0);
+
+    EXPECT_EQ(app({"logout"}).status, 0);
+    const AppRun again = app(arguments);
+    EXPECT_NE(again.status, 0);
+    EXPECT_THAT(again.err, HasSubstr("tunebrook: register: "));
+    expectSignedOut(app({"whoami"}));
+}
+
+}  // namespace
+}  // namespace tb::test
