@@ -3,6 +3,9 @@
 #include <utility>
 
 #include "ads/InterstitialsManager.h"
+#include "api/API.h"
+#include "api/AlamofireNetworkLayer.h"
+#include "api/TBAPIBaseURLProvider.h"
 #include "api/TBDataManager.h"
 #include "api/TBReachabilityManager.h"
 #include "api/TBServiceEnvironment.h"
@@ -58,6 +61,28 @@ AFXAuthClient::Environment clientEnvironment(const AppPorts& ports,
     };
 }
 
+// The typed layer over the app's ports. Its signer needs a clean key store; after a failed
+// load the launch stops before anything is sent.
+AlamofireNetworkLayer::Collaborators layerCollaborators(const AppPorts& ports,
+                                                        NotificationCenter& notifications,
+                                                        TBServiceEnvironment& environment,
+                                                        TBCoreDataManager& store) {
+    return AlamofireNetworkLayer::Collaborators{
+        *ports.http,
+        *ports.mainQueue,
+        *ports.random,
+        *ports.clock,
+        store,
+        std::make_unique<TBAPIBaseURLProvider>(*ports.defaults, notifications, environment)};
+}
+
+AlamofireNetworkLayer::Keys layerKeys(const TunebrookKeys& keys) {
+    if (keys.error()) {
+        return {};
+    }
+    return {keys.tunebrookConsumerKey(), keys.tunebrookConsumerSecret()};
+}
+
 }  // namespace
 
 // Members are built in the order they are declared, which is the start order, and go in
@@ -93,6 +118,10 @@ struct AppContext::Managers {
                    *ports.errorReporter,
                    *ports.uiHost,
                    *ports.mainQueue),
+          networkLayer(layerCollaborators(ports, notifications, environment, coreData.object),
+                       layerKeys(keys),
+                       options.appVersion),
+          api(networkLayer.xAuthRequestAdapter()),
           dao(coreData.object),
           music(*ports.mainQueue,
                 *ports.http,
@@ -125,6 +154,8 @@ struct AppContext::Managers {
     Installed<TBXAuthClientManager> clients;
     Installed<TBDataManager> data;
     Installed<TBCoreDataManager> coreData;
+    AlamofireNetworkLayer networkLayer;
+    API api;
     ItemDAO dao;
     Installed<TBMusicDownloadManager> music;
     SharedInstance<ItemDownloadManager>::Scope itemDownloads;
@@ -214,6 +245,14 @@ TBDataManager& AppContext::dataManager() const {
 
 TBCoreDataManager& AppContext::coreDataManager() const {
     return managers_->coreData.object;
+}
+
+AlamofireNetworkLayer& AppContext::networkLayer() const {
+    return managers_->networkLayer;
+}
+
+API& AppContext::api() const {
+    return managers_->api;
 }
 
 ItemDAO& AppContext::itemDAO() const {

@@ -6,6 +6,8 @@
 
 namespace tb {
 
+class API;
+class AlamofireNetworkLayer;
 class InterstitialsManager;
 class ItemDAO;
 class ItemDownloadManager;
@@ -73,6 +75,8 @@ class AppContext {
     TBXAuthClientManager& clients() const;
     TBDataManager& dataManager() const;
     TBCoreDataManager& coreDataManager() const;
+    AlamofireNetworkLayer& networkLayer() const;
+    API& api() const;
     ItemDAO& itemDAO() const;
     TBMusicDownloadManager& musicDownloads() const;
     ItemDownloadManager& itemDownloads() const;
