@@ -32,7 +32,9 @@
 #include "tunebrook-service/routes/DownloadRoutes.h"
 #include "tunebrook-service/routes/HighlightRoutes.h"
 #include "tunebrook-service/routes/MusicRoutes.h"
+#include "tunebrook-service/routes/OnboardingRoutes.h"
 #include "tunebrook-service/routes/PlaylistRoutes.h"
+#include "tunebrook-service/routes/ProfileRoutes.h"
 #include "tunebrook-service/routes/SearchRoutes.h"
 #include "tunebrook-service/routes/StreamRoutes.h"
 #include "tunebrook-service/routes/UserRoutes.h"
@@ -272,6 +274,8 @@ void Service::installRoutes() {
     UserRoutes::install(*router_, context);
     StreamRoutes::install(*router_, context);
     DownloadRoutes::install(*router_, context);
+    OnboardingRoutes::install(*router_, context);
+    ProfileRoutes::install(*router_, context);
 
     const std::string pattern = std::string(ApiRouter::kBasePath) + ".*";
     server_->Get(pattern, [this](const httplib::Request& request, httplib::Response& response) {

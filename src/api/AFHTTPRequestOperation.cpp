@@ -2,34 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "api/JSONResponseSerializer.h"
+
 namespace tb {
-
-namespace {
-
-bool isBlank(const std::string& text) {
-    return text.find_first_not_of(" \t\r\n") == std::string::npos;
-}
-
-// The body as JSON: blank is null, and text that isn't JSON (or nests deeper than the app
-// accepts) gives nothing. The reading is the lenient one, so that a stray byte or an
-// overflowing number in one element of a list doesn't fail the whole answer.
-std::optional<JSON> parsedBody(const std::string& body) {
-    if (isBlank(body)) {
-        return JSON(nlohmann::json());
-    }
-    JSON parsed = JSON::parse(body);
-    if (!parsed.exists()) {
-        return std::nullopt;
-    }
-    return parsed;
-}
-
-Error responseError(std::int64_t code, std::string message, const HttpRequest& request) {
-    return Error{
-        URLError::kDomain, code, std::move(message), {{"NSErrorFailingURLStringKey", request.url}}};
-}
-
-}  // namespace
 
 AFHTTPRequestOperation::AFHTTPRequestOperation(HttpRequest request)
     : request_(std::move(request)) {}
@@ -61,25 +36,13 @@ void AFHTTPRequestOperation::cancel() {
 void AFHTTPRequestOperation::finishWith(HttpResult result) {
     finished_ = true;
     task_.reset();
+    JSONResponseSerializer::Serialized serialized =
+        JSONResponseSerializer::serialize(request_, result);
     response_ = std::move(result.response);
-    std::optional<JSON> parsed;
     if (response_) {
-        parsed = parsedBody(response_->body);
-        responseObject_ = parsed.value_or(JSON());
+        responseObject_ = serialized.json.value_or(JSON());
     }
-    if (result.error) {
-        error_ = std::move(result.error);
-    } else if (!response_) {
-        error_ = responseError(URLError::kBadServerResponse, "no response", request_);
-    } else if (response_->statusCode < 200 || response_->statusCode > 299) {
-        error_ = responseError(URLError::kBadServerResponse,
-                               "Request failed: status " + std::to_string(response_->statusCode),
-                               request_);
-    } else if (!parsed) {
-        error_ = responseError(URLError::kCannotDecodeContentData,
-                               "The data couldn't be read because it isn't in the correct format.",
-                               request_);
-    }
+    error_ = std::move(serialized.error);
 }
 
 void AFHTTPRequestOperation::failWith(Error error) {

@@ -12,11 +12,8 @@
 
 namespace tb {
 
-// One request of a client and, once answered, what came back. The answer is read as JSON,
-// leniently (see JSON::parse): a 2xx status whose body parses (a bare value counts; an empty
-// body is null) succeeds; otherwise error() says why (-1011 for a status outside 200-299,
-// -1016 for a body that isn't JSON, or the transport's own error), and the response stays
-// readable.
+// One request of a client and, once answered, what came back. The answer is read as JSON
+// by JSONResponseSerializer: error() says why it failed, and the response stays readable.
 class AFHTTPRequestOperation {
   public:
     explicit AFHTTPRequestOperation(HttpRequest request);

@@ -7,18 +7,23 @@ namespace tb {
 TBServiceEnvironment::TBServiceEnvironment(const TunebrookKeys& keys) : keys_(keys) {}
 
 void TBServiceEnvironment::useProd() {
-    baseURL_ = withTrailingSlash(keys_.wsUrlLive());
+    baseURL_ = liveBaseURL();
 }
 
 void TBServiceEnvironment::useDev() {
-    baseURL_ = withTrailingSlash(keys_.wsUrlDev());
+    baseURL_ = devBaseURL();
 }
 
 std::string TBServiceEnvironment::baseURL() const {
-    if (baseURL_) {
-        return *baseURL_;
-    }
+    return baseURL_ ? *baseURL_ : liveBaseURL();
+}
+
+std::string TBServiceEnvironment::liveBaseURL() const {
     return withTrailingSlash(keys_.wsUrlLive());
+}
+
+std::string TBServiceEnvironment::devBaseURL() const {
+    return withTrailingSlash(keys_.wsUrlDev());
 }
 
 // A keys file written by hand may leave the slash off; the paths would then run into the

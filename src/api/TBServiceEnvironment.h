@@ -23,6 +23,10 @@ class TBServiceEnvironment {
     // picks when nothing says otherwise.
     std::string baseURL() const;
 
+    // The two hosts, whatever was chosen.
+    std::string liveBaseURL() const;
+    std::string devBaseURL() const;
+
   private:
     static std::string withTrailingSlash(std::string url);
 

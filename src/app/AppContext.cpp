@@ -9,12 +9,13 @@
 #include "accounts/TBUserManager.h"
 #include "ads/InterstitialsManager.h"
 #include "api/API.h"
+#include "api/AlamofireNetworkLayer.h"
+#include "api/TBAPIBaseURLProvider.h"
 #include "api/TBDataManager.h"
 #include "api/TBReachabilityManager.h"
 #include "api/TBServiceEnvironment.h"
 #include "api/TBSessionGateHolder.h"
 #include "api/TBXAuthClientManager.h"
-#include "api/XAuthRequestAdapter.h"
 #include "app/TBAppDelegate.h"
 #include "core/LocationManager.h"
 #include "core/RemoteVariables.h"
@@ -67,17 +68,27 @@ AFXAuthClient::Environment clientEnvironment(const AppPorts& ports,
     };
 }
 
-// ---- The typed layer's signer, until the typed layer is built here ----------------------
-// The session hands tokens to `API`; this is the smallest honest `API` to hand them to. The
-// typed layer's own construction replaces this block.
-// After a failed load of the keys the launch stops before anything signs.
-XAuthSigner typedLayerSigner(const AppPorts& ports, const TunebrookKeys& keys) {
-    const bool loaded = !keys.error();
-    return XAuthSigner({loaded ? keys.tunebrookConsumerKey() : "",
-                        loaded ? keys.tunebrookConsumerSecret() : "", "HMAC-SHA1", "1.0"},
-                       *ports.random, *ports.clock);
+// The typed layer over the app's ports. Its signer needs a clean key store; after a failed
+// load the launch stops before anything is sent.
+AlamofireNetworkLayer::Collaborators layerCollaborators(const AppPorts& ports,
+                                                        NotificationCenter& notifications,
+                                                        TBServiceEnvironment& environment,
+                                                        TBCoreDataManager& store) {
+    return AlamofireNetworkLayer::Collaborators{
+        *ports.http,
+        *ports.mainQueue,
+        *ports.random,
+        *ports.clock,
+        store,
+        std::make_unique<TBAPIBaseURLProvider>(*ports.defaults, notifications, environment)};
 }
-// ---- End of the typed layer's block ------------------------------------------------------
+
+AlamofireNetworkLayer::Keys layerKeys(const TunebrookKeys& keys) {
+    if (keys.error()) {
+        return {};
+    }
+    return {keys.tunebrookConsumerKey(), keys.tunebrookConsumerSecret()};
+}
 
 // Linux has no advertising identifier, so the listener is never tracked by one.
 std::optional<std::string> noAdvertisingIdentifier() {
@@ -121,14 +132,16 @@ struct AppContext::Managers {
                    *ports.errorReporter,
                    *ports.uiHost,
                    *ports.mainQueue),
+          networkLayer(layerCollaborators(ports, notifications, environment, coreData.object),
+                       layerKeys(keys),
+                       options.appVersion),
+          api(networkLayer.xAuthRequestAdapter()),
           dao(coreData.object),
           music(*ports.mainQueue,
                 *ports.http,
                 ItemDownloadManager::Collaborators{coreData.object, dao, *ports.errorReporter,
                                                    notifications}),
           itemDownloads(music.object.items()),
-          typedLayerAdapter(typedLayerSigner(ports, keys)),
-          api(typedLayerAdapter),
           keychainManager(*ports.keychain, *ports.olderKeychain),
           credentials(TBCredentials::Collaborators{keychainManager, *ports.defaults,
                                                    coreData.object, clients.object, api,
@@ -180,13 +193,11 @@ struct AppContext::Managers {
     Installed<TBXAuthClientManager> clients;
     Installed<TBDataManager> data;
     Installed<TBCoreDataManager> coreData;
+    AlamofireNetworkLayer networkLayer;
+    API api;
     ItemDAO dao;
     Installed<TBMusicDownloadManager> music;
     SharedInstance<ItemDownloadManager>::Scope itemDownloads;
-    // The typed layer's stand-in (see typedLayerSigner): replaced when the typed layer is
-    // built here.
-    XAuthRequestAdapter typedLayerAdapter;
-    API api;
     TBKeychainManager keychainManager;
     Installed<TBCredentials> credentials;
     Installed<SharedWebCredentialsHelper> webCredentials;
@@ -284,6 +295,14 @@ TBCoreDataManager& AppContext::coreDataManager() const {
     return managers_->coreData.object;
 }
 
+AlamofireNetworkLayer& AppContext::networkLayer() const {
+    return managers_->networkLayer;
+}
+
+API& AppContext::api() const {
+    return managers_->api;
+}
+
 ItemDAO& AppContext::itemDAO() const {
     return managers_->dao;
 }
@@ -294,10 +313,6 @@ TBMusicDownloadManager& AppContext::musicDownloads() const {
 
 ItemDownloadManager& AppContext::itemDownloads() const {
     return managers_->music.object.items();
-}
-
-API& AppContext::api() const {
-    return managers_->api;
 }
 
 TBKeychainManager& AppContext::keychainManager() const {

@@ -7,6 +7,7 @@
 namespace tb {
 
 class API;
+class AlamofireNetworkLayer;
 class InterstitialsManager;
 class ItemDAO;
 class ItemDownloadManager;
@@ -80,12 +81,11 @@ class AppContext {
     TBXAuthClientManager& clients() const;
     TBDataManager& dataManager() const;
     TBCoreDataManager& coreDataManager() const;
+    AlamofireNetworkLayer& networkLayer() const;
+    API& api() const;
     ItemDAO& itemDAO() const;
     TBMusicDownloadManager& musicDownloads() const;
     ItemDownloadManager& itemDownloads() const;
-    // The typed layer's front (its signer's token). Built by a stand-in block in the .cpp
-    // until the typed layer is built here.
-    API& api() const;
     TBKeychainManager& keychainManager() const;
     TBCredentials& credentials() const;
     TBUserManager& userManager() const;

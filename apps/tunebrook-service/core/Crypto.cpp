@@ -48,6 +48,31 @@ std::string Crypto::base64(std::string_view raw) {
     return std::string(reinterpret_cast<const char*>(out.data()), static_cast<size_t>(written));
 }
 
+std::optional<std::string> Crypto::base64Decode(std::string_view text) {
+    static constexpr std::string_view kAlphabet =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    if (text.size() % 4 != 0) {
+        return std::nullopt;
+    }
+    size_t padding = 0;
+    while (padding < 2 && padding < text.size() && text[text.size() - 1 - padding] == '=') {
+        ++padding;
+    }
+    std::string_view body = text.substr(0, text.size() - padding);
+    if (body.find_first_not_of(kAlphabet) != std::string_view::npos) {
+        return std::nullopt;
+    }
+    // EVP_DecodeBlock writes the padding as zero bytes; they are cut off again below.
+    std::vector<unsigned char> out(3 * (text.size() / 4) + 1);
+    int written = EVP_DecodeBlock(out.data(), reinterpret_cast<const unsigned char*>(text.data()),
+                                  static_cast<int>(text.size()));
+    if (written < 0) {
+        return std::nullopt;
+    }
+    return std::string(reinterpret_cast<const char*>(out.data()),
+                       static_cast<size_t>(written) - padding);
+}
+
 std::string Crypto::hex(std::string_view raw) {
     static const char digits[] = "0123456789abcdef";
     std::string out;

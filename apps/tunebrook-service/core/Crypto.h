@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,8 @@ class Crypto {
                                     size_t length);
     // Standard alphabet with "=" padding.
     static std::string base64(std::string_view raw);
+    // The reverse, for padded standard Base64 only; nothing for anything else.
+    static std::optional<std::string> base64Decode(std::string_view text);
     static std::string hex(std::string_view raw);
     // From the system's secure source; aborts the call with an empty string on failure.
     static std::string randomBytes(size_t count);

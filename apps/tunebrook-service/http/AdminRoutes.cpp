@@ -69,6 +69,22 @@ void expireTokens(ServiceContext& context, httplib::Response& response, const js
     Reply::json(response, {{"expired", expired}});
 }
 
+// Unlike expiry, revocation removes the tokens: a request with one is refused as with a token
+// the service never issued, at once.
+void revokeTokens(ServiceContext& context, httplib::Response& response, const json& body) {
+    int revoked = 0;
+    if (body.contains("token") && body["token"].is_string()) {
+        revoked = context.tokens.revokeToken(body["token"].get<std::string>());
+    } else if (body.contains("email") && body["email"].is_string()) {
+        auto account = context.accounts.byEmail(body["email"].get<std::string>());
+        revoked = account ? context.tokens.revokeAccount(account->id) : 0;
+    } else {
+        Reply::error(response, 400, kBadRequest, "Give an email or a token");
+        return;
+    }
+    Reply::json(response, {{"revoked", revoked}});
+}
+
 void addFaults(FaultInjector& faults, httplib::Response& response, const json& body) {
     json list = body.is_array() ? body : json::array({body});
     json added = json::array();
@@ -168,6 +184,10 @@ void AdminRoutes::install(httplib::Server& server, ServiceContext& context, Faul
     server.Post("/admin/tokens/expire",
                 guarded([&context](auto&, auto& response, const json& body) {
                     expireTokens(context, response, body);
+                }));
+    server.Post("/admin/tokens/revoke",
+                guarded([&context](auto&, auto& response, const json& body) {
+                    revokeTokens(context, response, body);
                 }));
     server.Get("/admin/faults", guarded([&faults](auto&, auto& response, const json&) {
                    Reply::json(response, {{"faults", faults.list()}});

@@ -28,25 +28,12 @@ json idList(const std::vector<int64_t>& ids) {
 }
 
 void user(ApiCall& call, ServiceContext& context) {
-    int64_t me = *call.accountId;
-    auto account = context.accounts.byId(me);
+    auto account = context.accounts.byId(*call.accountId);
     if (!account) {
         Reply::error(call.response, 404, kNotFound, "This account doesn't exist");
         return;
     }
-    json record = context.view.artist(*account, true);
-    std::vector<int64_t> ownPlaylists;
-    for (const auto& row : context.playlists.find("p.owner_id = ? ORDER BY p.id", {me}, 0, 1000)) {
-        ownPlaylists.push_back(row.id);
-    }
-    record["email"] = account->email.value_or("");
-    record["favorite_music"] = idList(context.library.favoriteIds(me, "music"));
-    record["favorite_playlists"] = idList(context.library.favoriteIds(me, "playlist"));
-    record["playlists"] = idList(ownPlaylists);
-    record["following"] = idList(context.library.followingIds(me));
-    record["reups"] = idList(context.library.repostIds(me));
-    record["new_feed_items"] = FeedQuery::countSince(context.db, me, account->feedSeen);
-    Reply::json(call.response, record);
+    Reply::json(call.response, UserRoutes::record(context, *account));
 }
 
 void feed(ApiCall& call, ServiceContext& context) {
@@ -91,6 +78,23 @@ void notifications(ApiCall& call, ServiceContext& context) {
 }
 
 }  // namespace
+
+json UserRoutes::record(ServiceContext& context, const AccountRow& account) {
+    int64_t me = account.id;
+    json record = context.view.artist(account, true);
+    std::vector<int64_t> ownPlaylists;
+    for (const auto& row : context.playlists.find("p.owner_id = ? ORDER BY p.id", {me}, 0, 1000)) {
+        ownPlaylists.push_back(row.id);
+    }
+    record["email"] = account.email.value_or("");
+    record["favorite_music"] = idList(context.library.favoriteIds(me, "music"));
+    record["favorite_playlists"] = idList(context.library.favoriteIds(me, "playlist"));
+    record["playlists"] = idList(ownPlaylists);
+    record["following"] = idList(context.library.followingIds(me));
+    record["reups"] = idList(context.library.repostIds(me));
+    record["new_feed_items"] = FeedQuery::countSince(context.db, me, account.feedSeen);
+    return record;
+}
 
 void UserRoutes::install(ApiRouter& router, ServiceContext& context) {
     router.add("GET", "user", Access::user, [&context](ApiCall& call) { user(call, context); });

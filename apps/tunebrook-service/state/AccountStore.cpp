@@ -1,5 +1,7 @@
 #include "tunebrook-service/state/AccountStore.h"
 
+#include <set>
+
 #include "tunebrook-service/auth/EmailRule.h"
 #include "tunebrook-service/catalogue/Slug.h"
 #include "tunebrook-service/core/Database.h"
@@ -116,6 +118,31 @@ void AccountStore::setPasswordHash(int64_t id, const std::string& hash) {
 void AccountStore::setFeedSeen(int64_t id, double when) {
     std::lock_guard lock(db_.mutex());
     db_.prepare("UPDATE accounts SET feed_seen = ? WHERE id = ?").with(when, id).run();
+}
+
+bool AccountStore::updateProfile(int64_t id,
+                                 const std::vector<std::pair<std::string, std::string>>& columns) {
+    static const std::set<std::string> kProfileColumns = {
+        "name",     "label",     "hometown", "website", "bio",   "twitter",
+        "facebook", "instagram", "genre",    "youtube", "image", "banner"};
+    if (columns.empty()) {
+        return true;
+    }
+    std::string assignments;
+    SqlValues values;
+    for (const auto& [column, value] : columns) {
+        if (!kProfileColumns.count(column)) {
+            return false;
+        }
+        assignments += (assignments.empty() ? "" : ", ") + column + " = ?";
+        values.emplace_back(value);
+    }
+    values.emplace_back(id);
+    std::lock_guard lock(db_.mutex());
+    auto statement = db_.prepare("UPDATE accounts SET " + assignments + " WHERE id = ?");
+    bindValues(statement, values);
+    statement.run();
+    return true;
 }
 
 std::vector<AccountRow> AccountStore::find(const std::string& whereAndOrder,

@@ -38,6 +38,9 @@ class AccountStore {
     void setPasswordHash(int64_t id, const std::string& hash);
     bool linkSocial(int64_t id, const std::string& provider, const std::string& socialId);
     void setFeedSeen(int64_t id, double when);
+    // Sets the public profile columns given ("name", "bio", "website", "image", ...), all in
+    // one statement. A column outside the profile stops the call: nothing is written.
+    bool updateProfile(int64_t id, const std::vector<std::pair<std::string, std::string>>& columns);
 
     // Accounts matching `where` (over alias "a"), in the given order.
     std::vector<AccountRow> find(const std::string& whereAndOrder,

@@ -53,4 +53,16 @@ int TokenStore::expireToken(const std::string& token, double now) {
     return db_.changes();
 }
 
+int TokenStore::revokeAccount(int64_t accountId) {
+    std::lock_guard lock(db_.mutex());
+    db_.prepare("DELETE FROM tokens WHERE account_id = ?").with(accountId).run();
+    return db_.changes();
+}
+
+int TokenStore::revokeToken(const std::string& token) {
+    std::lock_guard lock(db_.mutex());
+    db_.prepare("DELETE FROM tokens WHERE token = ?").with(token).run();
+    return db_.changes();
+}
+
 }  // namespace tb::service

@@ -27,6 +27,10 @@ class TokenStore {
     int expireAll(double now);
     int expireAccount(int64_t accountId, double now);
     int expireToken(const std::string& token, double now);
+    // Revoked tokens are gone: a request with one is refused as with an unknown token. Each
+    // returns the number of tokens removed.
+    int revokeAccount(int64_t accountId);
+    int revokeToken(const std::string& token);
 
   private:
     Database& db_;
