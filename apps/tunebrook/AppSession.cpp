@@ -1,8 +1,11 @@
 #include "AppSession.h"
 
+#include <iostream>
 #include <ostream>
 
 #include "SocialTokensFile.h"
+#include "accounts/TBUserManager.h"
+#include "api/TBXAuthClientManager.h"
 #include "app/AppContext.h"
 #include "app/TBAppDelegate.h"
 #include "core/TBLinks.h"
@@ -54,6 +57,11 @@ std::optional<Error> AppSession::launch(std::ostream& out) {
     platformOptions.remoteConfigURL = remoteConfigURL(keys);
     // A run under its own home leaves the desktop's keyring alone.
     platformOptions.fileKeychainOnly = !options_.home.empty();
+    // With --json the records are the whole of stdout; toasts and alerts go beside the
+    // launch's lines.
+    if (options_.json) {
+        platformOptions.terminal = &std::cerr;
+    }
     std::string reason;
     platform_ = LinuxPlatform::create(std::move(platformOptions), &reason);
     if (!platform_) {
@@ -69,7 +77,23 @@ std::optional<Error> AppSession::launch(std::ostream& out) {
         out << "launch: " << record.name << " -> " << record.outcome << '\n';
     }
     out.flush();
+    settleLaunchRequests();
     return std::nullopt;
+}
+
+// A stored token may have lapsed since the last run. The launch's own requests (the featured
+// music) find that out first and renew it; a command's request sent meanwhile would meet a
+// refresh under way, which fails it at once. So commands start once those have settled, or
+// after a few seconds when the service is slow.
+void AppSession::settleLaunchRequests() {
+    auto& clients = context_->clients();
+    auto& users = context_->userManager();
+    runUntil(
+        [&] {
+            return clients.client().requestsInFlight() == 0 &&
+                   clients.jsonClient().requestsInFlight() == 0 && !users.refreshingToken();
+        },
+        kSettleSeconds);
 }
 
 AppContext& AppSession::context() {

@@ -42,6 +42,10 @@ class AppSession {
     bool runUntil(const std::function<bool()>& done, double timeoutSeconds);
 
   private:
+    static constexpr double kSettleSeconds = 5;
+
+    void settleLaunchRequests();
+
     SessionOptions options_;
     std::unique_ptr<LinuxPlatform> platform_;
     std::unique_ptr<AppContext> context_;

@@ -159,10 +159,13 @@ AFHTTPRequestOperationManager::OperationPtr AFHTTPRequestOperationManager::start
         queue_.post(std::move(answer));
         return operation;
     }
-    operation->setTask(http_.send(*request, [operation, answer](HttpResult result) {
-        operation->finishWith(std::move(result));
-        answer();
-    }));
+    ++*inFlight_;
+    operation->setTask(
+        http_.send(*request, [operation, answer, inFlight = inFlight_](HttpResult result) {
+            --*inFlight;
+            operation->finishWith(std::move(result));
+            answer();
+        }));
     return operation;
 }
 

@@ -81,6 +81,9 @@ class AFHTTPRequestOperationManager {
     // The absolute URL of `URLString` against `base`.
     static std::string resolveURL(const std::string& base, const std::string& URLString);
 
+    // Requests sent and not yet answered (each is answered exactly once, a cancel included).
+    int requestsInFlight() const { return *inFlight_; }
+
   private:
     OperationPtr requestOperation(const std::string& method,
                                   const std::string& URLString,
@@ -93,6 +96,8 @@ class AFHTTPRequestOperationManager {
                        Failure failure);
 
     std::string baseURL_;
+    // Shared with the completions, which may run after the manager is gone.
+    std::shared_ptr<int> inFlight_ = std::make_shared<int>(0);
     HttpTransport& http_;
     MainQueue& queue_;
     std::unique_ptr<AFHTTPRequestSerializer> requestSerializer_;
