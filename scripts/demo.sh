@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The demo: builds the client and the reference service, starts the service on a free
 # loopback port with its generated catalogue, and takes the client through it: the launch,
-# the charts, trending and recent music, an artist, a search and the featured spots.
+# signing in as the service's demo listener, the remote variables, the charts, trending and
+# recent music, an artist, a search and the featured spots.
 #
 # State lives in .demo/ at the top of the tree (the service's database, audio and keys; the
 # client's preferences and store), so a second run starts at once and finds what the first
@@ -61,6 +62,16 @@ quiet_client() {
 }
 
 client
+# The service made a demo listener at its first start; sign in as them, the password on
+# standard input so that it shows nowhere.
+demo_email=$(grep -o '"email": *"[^"]*"' "$demo/service/demo-account.json" | sed 's/.*"\([^"]*\)"$/\1/')
+echo
+echo "== tunebrook login --email $demo_email --password-stdin"
+grep -o '"password": *"[^"]*"' "$demo/service/demo-account.json" | sed 's/.*"\([^"]*\)"$/\1/' |
+  "$client_bin" --home "$demo/client" --keys "$demo/service/keys.json" \
+    login --email "$demo_email" --password-stdin 2>&1 | grep -v -e '^launch: ' -e '^\[Keychain\]' || true
+quiet_client whoami
+quiet_client remote-vars
 quiet_client trending
 quiet_client recent --genre electronic
 quiet_client chart songs --genre rap --period weekly
