@@ -7,6 +7,7 @@
 #include "accounts/TBCredentials.h"
 #include "accounts/TBKeychainManager.h"
 #include "accounts/TBUserManager.h"
+#include "accounts/TBUserRepository.h"
 #include "ads/InterstitialsManager.h"
 #include "api/API.h"
 #include "api/AlamofireNetworkLayer.h"
@@ -162,6 +163,9 @@ struct AppContext::Managers {
               noAdvertisingIdentifier,
               "",
           }),
+          userRepository(credentials.object,
+                         {[this] { return remoteVariables.object.boolValue("tester"); },
+                          [this] { return dao.offlineDownloadsCount(); }}),
           appDelegate(app) {
         // The store and its error policy refer to each other; this is where they meet. The
         // DAO asks the downloads, which sit above it, what is on its way. The catalogue's 401
@@ -203,6 +207,7 @@ struct AppContext::Managers {
     Installed<SharedWebCredentialsHelper> webCredentials;
     GivenSocialSignIn socialSignIn;
     Installed<TBUserManager> userManager;
+    TBUserRepository userRepository;
     Installed<TBAppDelegate> appDelegate;
 };
 
@@ -317,6 +322,10 @@ ItemDownloadManager& AppContext::itemDownloads() const {
 
 TBKeychainManager& AppContext::keychainManager() const {
     return managers_->keychainManager;
+}
+
+TBUserRepository& AppContext::userRepository() const {
+    return managers_->userRepository;
 }
 
 TBCredentials& AppContext::credentials() const {

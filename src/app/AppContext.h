@@ -26,6 +26,7 @@ class TBServiceEnvironment;
 class TBSessionGateHolder;
 class TBToastUtils;
 class TBUserManager;
+class TBUserRepository;
 class TBMusicDownloadManager;
 class TBXAuthClientManager;
 class TunebrookKeys;
@@ -89,6 +90,7 @@ class AppContext {
     TBKeychainManager& keychainManager() const;
     TBCredentials& credentials() const;
     TBUserManager& userManager() const;
+    TBUserRepository& userRepository() const;
     TBAppDelegate& appDelegate() const;
 
   private:

@@ -42,6 +42,16 @@ std::vector<std::string> idsOf(const std::vector<ItemPtr>& items) {
 
 ItemDAO::ItemDAO(TBCoreDataManager& saving) : saving_(saving) {}
 
+std::int64_t ItemDAO::offlineDownloadsCount() {
+    auto* context = saving_.context();
+    if (!context) {
+        return 0;
+    }
+    auto request = FetchRequest::fetchRequestWithEntityName(kEntityName);
+    request.predicate = allDownloadsCompletedPredicate();
+    return context->countForFetchRequest(request).value_or(0);
+}
+
 std::optional<ItemDAO::Items> ItemDAO::fetch(const Predicate& predicate,
                                              const std::vector<SortDescriptor>& sortDescriptors,
                                              const std::vector<std::string>& propertiesToFetch) {

@@ -87,6 +87,8 @@ class ItemDAO {
     const Predicate& offlineAlbumsPredicate();
     const Predicate& offlinePlaylistsPredicate();
     const Predicate& allDownloadsCompletedPredicate();
+    // The listener's offline count: every item downloaded in full. 0 without a store.
+    std::int64_t offlineDownloadsCount();
 
     // The ids of the downloads the service has not been told of yet, and of everything on
     // the device; only `itemID` is read. Empty on failure.

@@ -68,6 +68,7 @@ TEST_F(ItemDAOQueriesTest, EachOfflineListHoldsExactlyTheRowsOfItsState) {
     EXPECT_THAT(idsWhere(dao().allDownloadsCompletedPredicate()),
                 UnorderedElementsAre("song", "songSynced", "songCached", "single", "ofAlbum",
                                      "ofPlaylist"));
+    EXPECT_EQ(dao().offlineDownloadsCount(), 6);
 
     // The id lists are those of their predicates.
     EXPECT_THAT(dao().unsyncedDownloadsIds(),
@@ -340,6 +341,7 @@ TEST(ItemDAOWithoutStoreTest, EveryQueryIsEmptyAndEveryWriteDoesNothing) {
     EXPECT_FALSE(dao.isAlbumFullyDownloaded(album("b", {})));
     EXPECT_FALSE(dao.isPlaylistFullyDownloaded(playlist("c", {})));
     EXPECT_THAT(dao.offlineIds(), IsEmpty());
+    EXPECT_EQ(dao.offlineDownloadsCount(), 0);
     EXPECT_THAT(dao.unsyncedDownloadsIds(), IsEmpty());
     EXPECT_THAT(PlaylistTracks::tracksForPlaylist(saving, "c"), IsEmpty());
     EXPECT_EQ(PlaylistTracks::playlistsTrackCount(saving, "c"), 0);
