@@ -25,6 +25,7 @@
 #include "core/TBPermisionsManager.h"
 #include "core/TBToastUtils.h"
 #include "core/TunebrookKeys.h"
+#include "core/VendorIdentifier.h"
 #include "model/ItemDAO.h"
 #include "model/TBCoreDataManager.h"
 #include "offline/ItemDownloadManager.h"
@@ -161,7 +162,7 @@ struct AppContext::Managers {
               *ports.externalSdks,
               socialSignIn,
               noAdvertisingIdentifier,
-              "",
+              vendorIdentifier(ports.defaults->standard(), *ports.random),
           }),
           userRepository(credentials.object,
                          {[this] { return remoteVariables.object.boolValue("tester"); },
