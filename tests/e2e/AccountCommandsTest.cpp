@@ -1,15 +1,13 @@
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include <httplib.h>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
 #include "support/AppRun.h"
 #include "support/FileContents.h"
-#include "support/ServiceProcess.h"
+#include "support/ServiceSuite.h"
 #include "support/TempDir.h"
 
 #include <gmock/gmock.h>
@@ -24,28 +22,17 @@ using ::testing::Not;
 
 // The account commands of the tunebrook binary against one reference service; each test
 // has a home of its own. What the service was told comes from its report.
-class AccountCommandsTest : public ::testing::Test {
+class AccountCommandsTest : public ServiceSuite {
   protected:
     static void SetUpTestSuite() {
-        dir_ = std::make_unique<TempDir>();
-        service_ = std::make_unique<ServiceProcess>(
-            TB_SERVICE_BINARY, dir_->file("service"),
-            std::vector<std::string>{"--media", "placeholder", "--media-cache",
-                                     ServiceProcess::mediaCacheFor(TB_SERVICE_BINARY)});
-        demo_ = json::parse(readFileText(dir_->file("service/demo-account.json")), nullptr, false);
+        ServiceSuite::SetUpTestSuite();
+        demo_ = json::parse(readFileText(serviceFile("demo-account.json")), nullptr, false);
     }
-    static void TearDownTestSuite() {
-        service_.reset();
-        dir_.reset();
-    }
-
-    void SetUp() override { ASSERT_TRUE(service_->started()) << service_->error(); }
 
     std::vector<std::string> withHome(std::vector<std::string> arguments,
                                       const std::string& keys = {}) const {
-        arguments.insert(arguments.begin(),
-                         {"--home", home_.path(), "--keys",
-                          keys.empty() ? dir_->file("service/keys.json") : keys});
+        arguments.insert(arguments.begin(), {"--home", home_.path(), "--keys",
+                                             keys.empty() ? serviceFile("keys.json") : keys});
         return arguments;
     }
     AppRun app(std::vector<std::string> arguments) const {
@@ -57,13 +44,6 @@ class AccountCommandsTest : public ::testing::Test {
                                  demo_["password"].get<std::string>() + "\n");
     }
 
-    static json admin(const std::string& method, const std::string& path, const json& body = {}) {
-        httplib::Client client(service_->host(), service_->port());
-        auto answer = method == "GET"      ? client.Get(path)
-                      : method == "DELETE" ? client.Delete(path)
-                                           : client.Post(path, body.dump(), "application/json");
-        return answer ? json::parse(answer->body, nullptr, false) : json();
-    }
     static json events(const std::string& kind) {
         return admin("GET", "/admin/report?kind=" + kind)["events"];
     }
@@ -73,8 +53,6 @@ class AccountCommandsTest : public ::testing::Test {
         EXPECT_THAT(whoami.out, HasSubstr("Nobody is signed in."));
     }
 
-    inline static std::unique_ptr<TempDir> dir_;
-    inline static std::unique_ptr<ServiceProcess> service_;
     inline static json demo_;
     TempDir home_;
 };
@@ -162,8 +140,8 @@ INSTANTIATE_TEST_SUITE_P(Identities,
                          [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(AccountCommandsTest, ARefusedOrUnansweredLoginSaysSoInOneLineAndSignsNobodyIn) {
-    std::string deadKeys = readFileText(dir_->file("service/keys.json"));
-    const std::string port = ":" + std::to_string(service_->port());
+    std::string deadKeys = readFileText(serviceFile("keys.json"));
+    const std::string port = ":" + std::to_string(service().port());
     for (auto at = deadKeys.find(port); at != std::string::npos; at = deadKeys.find(port)) {
         deadKeys.replace(at, port.size(), ":1");
     }

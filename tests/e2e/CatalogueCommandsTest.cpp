@@ -9,7 +9,7 @@
 #include "support/AppRun.h"
 #include "support/FileContents.h"
 #include "support/ServiceCall.h"
-#include "support/ServiceProcess.h"
+#include "support/ServiceSuite.h"
 #include "support/ServiceTestSigner.h"
 #include "support/TempDir.h"
 
@@ -30,25 +30,11 @@ std::int64_t numberOf(const json& value) {
 // The tunebrook binary against one reference service for the whole suite. What the client
 // printed is checked against the service's own answer to the same question, fetched with a
 // signer that shares no code with the client.
-class CatalogueCommandsTest : public ::testing::Test {
+class CatalogueCommandsTest : public ServiceSuite {
   protected:
-    static void SetUpTestSuite() {
-        dir_ = std::make_unique<TempDir>();
-        service_ = std::make_unique<ServiceProcess>(
-            TB_SERVICE_BINARY, dir_->file("service"),
-            std::vector<std::string>{"--media", "placeholder", "--media-cache",
-                                     ServiceProcess::mediaCacheFor(TB_SERVICE_BINARY)});
-    }
-    static void TearDownTestSuite() {
-        service_.reset();
-        dir_.reset();
-    }
-
-    void SetUp() override { ASSERT_TRUE(service_->started()) << service_->error(); }
-
     static AppRun app(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(),
-                         {"--home", home_.path(), "--keys", dir_->file("service/keys.json")});
+                         {"--home", home_.path(), "--keys", serviceFile("keys.json")});
         return AppRun::of(TB_APP_BINARY, arguments);
     }
 
@@ -62,20 +48,18 @@ class CatalogueCommandsTest : public ::testing::Test {
     }
 
     static json serviceJSON(const std::string& path, const ServiceTestSigner::Params& params = {}) {
-        const ServiceTestSigner signer(service_->consumerKey(), service_->consumerSecret());
-        auto answer = serviceCall(*service_, signer, "GET", path, params);
+        const ServiceTestSigner signer(service().consumerKey(), service().consumerSecret());
+        auto answer = serviceCall(service(), signer, "GET", path, params);
         EXPECT_TRUE(answer && answer->status == 200) << path;
         return answer ? json::parse(answer->body, nullptr, false) : json();
     }
 
     static void postAdmin(const std::string& path, const json& body) {
-        httplib::Client client(service_->host(), service_->port());
+        httplib::Client client(service().host(), service().port());
         auto answer = client.Post(path, body.dump(), "application/json");
         ASSERT_TRUE(answer && answer->status / 100 == 2) << path;
     }
 
-    inline static std::unique_ptr<TempDir> dir_;
-    inline static std::unique_ptr<ServiceProcess> service_;
     inline static TempDir home_;
 };
 
@@ -217,7 +201,7 @@ TEST_F(CatalogueCommandsTest, FailuresAreToldOnStderrWithAStatusAndNeverHang) {
 TEST_F(CatalogueCommandsTest, ADeadServiceIsToldAtOnce) {
     TempDir other;
     const std::string keys = other.file("keys.json");
-    json dead = json::parse(readFileText(dir_->file("service/keys.json")));
+    json dead = json::parse(readFileText(serviceFile("keys.json")));
     dead["wsUrlLive"] = "http://127.0.0.1:9/v1/";
     dead["wsUrlDev"] = "http://127.0.0.1:9/v1/";
     std::ofstream(keys) << dead.dump();
