@@ -10,6 +10,7 @@
 #include "accounts/TBCredentials.h"
 #include "accounts/TBUserManager.h"
 #include "api/TBFailureInfo.h"
+#include "api/TBXAuthClientManager.h"
 #include "app/AppContext.h"
 
 namespace tb {
@@ -36,6 +37,12 @@ class WhoamiCommand final : public Command {
             return 1;
         }
         const bool answered = refresh(session);
+        if (!credentials.loggedIn()) {
+            std::cerr << "tunebrook: " << name()
+                      << ": the service refused the stored identity; this device is signed out"
+                      << std::endl;
+            return 1;
+        }
         print(credentials, answered, session.jsonOutput());
         return 0;
     }
@@ -53,8 +60,23 @@ class WhoamiCommand final : public Command {
                                                             CatalogueOutput::failureText(failure);
                                                         done = true;
                                                     });
-        if (!session.runUntil([&] { return done; }, kWaitSeconds)) {
+        // A 401 parks the request until the token is renewed; a renewal that fails never
+        // answers it. So the wait also ends once a renewal has come and gone with nothing
+        // left in flight.
+        auto& users = session.context().userManager();
+        auto& client = session.context().clients().client();
+        bool sawRenewal = false;
+        const bool ended = session.runUntil(
+            [&] {
+                sawRenewal = sawRenewal || users.refreshingToken();
+                return done ||
+                       (sawRenewal && !users.refreshingToken() && client.requestsInFlight() == 0);
+            },
+            kWaitSeconds);
+        if (!ended) {
             problem = "no answer from the service";
+        } else if (!done) {
+            problem = "the stored identity could not renew its token";
         }
         if (!answered) {
             std::cerr << "tunebrook: " << name() << ": " << problem

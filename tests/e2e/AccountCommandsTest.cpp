@@ -139,6 +139,30 @@ INSTANTIATE_TEST_SUITE_P(Identities,
                                                 "--token", "fbtoken-7102:f7102@example.com"}}),
                          [](const auto& param) { return std::string(param.param.name); });
 
+// The renewal of a lapsed token is refused: a 4xx signs the device out, anything else keeps
+// the listener and says so once. Either way the command ends at once instead of waiting on a
+// request that the failed renewal will never send again.
+TEST_F(AccountCommandsTest, ARefusedRenewalSignsOutOnlyWhenTheServiceRefusesTheIdentity) {
+    for (const int status : {403, 500}) {
+        SCOPED_TRACE(status);
+        ASSERT_EQ(loginAsDemo().status, 0);
+        admin("POST", "/admin/tokens/expire", json::object());
+        admin("POST", "/admin/faults",
+              {{"rule", "POST access_token=status:" + std::to_string(status) + ",times=1"}});
+        const AppRun whoami = app({"whoami"});
+        EXPECT_LT(whoami.seconds, 20);
+        if (status == 403) {
+            EXPECT_EQ(whoami.status, 1);
+            expectSignedOut(app({"whoami"}));
+        } else {
+            EXPECT_EQ(whoami.status, 0) << whoami.err;
+            EXPECT_THAT(whoami.out, HasSubstr("[alert] Couldn't refresh your session"));
+            EXPECT_THAT(whoami.out, HasSubstr("Signed in as"));
+        }
+        admin("DELETE", "/admin/faults");
+    }
+}
+
 TEST_F(AccountCommandsTest, ARefusedOrUnansweredLoginSaysSoInOneLineAndSignsNobodyIn) {
     std::string deadKeys = readFileText(serviceFile("keys.json"));
     const std::string port = ":" + std::to_string(service().port());
