@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config git ccache
   libcurl4-openssl-dev libssl-dev libcpp-httplib-dev nlohmann-json3-dev libsqlite3-dev sqlite3
-  libcli11-dev libsecret-1-dev
+  libcli11-dev libsecret-1-dev zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   ffmpeg sox libsox-fmt-mp3 curl procps
   dbus-daemon dbus-bin gnome-keyring
