@@ -24,6 +24,12 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
+// The sanitizers' shadow memory alone passes this bound, so their builds don't measure it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kMeasuresMemory = false;
+#else
+constexpr bool kMeasuresMemory = true;
+#endif
 constexpr std::int64_t kMemoryBound = std::int64_t{64} << 20;
 
 class HostileConditionsTest : public ::testing::Test {
@@ -55,7 +61,9 @@ TEST_P(HostileServiceTest, AnAnswerTooLargeFailsTheCommandWithinBoundedMemory) {
     EXPECT_EQ(run.status, 1) << run.out << run.err;
     EXPECT_THAT(run.err, HasSubstr("trending: The service's answer is larger than 4 MB"));
     EXPECT_THAT(run.out, Not(HasSubstr("Nothing here.")));
-    EXPECT_LT(peakChildResidentBytes(), kMemoryBound);
+    if (kMeasuresMemory) {
+        EXPECT_LT(peakChildResidentBytes(), kMemoryBound);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Answers,
